@@ -1,0 +1,39 @@
+# Sourced by the scripts that run Windows programs. Needs common.sh.
+#
+# Every run has a Wine prefix of its own below build/wine, cloned from one base prefix that
+# scripts/setup makes. The user's own prefix is never touched.
+
+wine_base=$build/wine/base
+
+# Settings that every Windows program is run with. TZ is removed because the C runtime obeys it
+# while the zone functions of Windows do not.
+wine_environment() {
+  export WINEPREFIX=$1
+  export WINEARCH=win64 WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
+  unset TZ DISPLAY
+}
+
+wine_server() { "$(command -v wineserver || echo /usr/lib/wine/wineserver64)" "$@"; }
+
+# Makes build/wine/NAME a fresh copy of the base prefix. Files are shared by hard links but for
+# the registry, which the server rewrites in place.
+wine_fresh_prefix() {
+  local prefix=$build/wine/$1
+  rm -rf "$prefix"
+  cp -al "$wine_base" "$prefix"
+  rm -rf "$prefix"/*.reg "$prefix/wineserver" "$prefix/.ready"
+  cp "$wine_base"/*.reg "$prefix"
+  wine_environment "$prefix"
+}
+
+# Starts a server that outlives single programs and warms it up, so that no program inherits the
+# streams of the first one. The umask decides which access rights files have before ours are added.
+wine_start() {
+  (umask 077 && wine_server -p 2>/dev/null)
+  (umask 077 && "$root/scripts/wine" wineboot </dev/null >/dev/null 2>&1)
+}
+
+wine_stop() {
+  wine_server -k 2>/dev/null || true
+  wine_server -w 2>/dev/null || true
+}
