@@ -1,0 +1,32 @@
+// The class and interface identities that the component and its hosts share. Fixed for good.
+#pragma once
+
+#include <windows.h>
+
+namespace tsl {
+
+// {485C7D34-8D59-482E-84EC-EDCBE646B69D}: the plug-in's class.
+inline constexpr CLSID CLSID_PluginDb = {
+    0x485C7D34, 0x8D59, 0x482E, {0x84, 0xEC, 0xED, 0xCB, 0xE6, 0x46, 0xB6, 0x9D}};
+
+// {8B21951B-5933-4663-B98D-39956619ECCD}
+inline constexpr IID IID_ITslPluginDb = {
+    0x8B21951B, 0x5933, 0x4663, {0xB9, 0x8D, 0x39, 0x95, 0x66, 0x19, 0xEC, 0xCD}};
+
+// {E02E71B7-DC11-4E0B-848F-D1934FBA34D3}
+inline constexpr IID IID_ITslPluginDb2 = {
+    0xE02E71B7, 0xDC11, 0x4E0B, {0x84, 0x8F, 0xD1, 0x93, 0x4F, 0xBA, 0x34, 0xD3}};
+
+// {AFB126D0-CAF4-4218-9C71-68C5531A79D9}
+inline constexpr IID IID_ITslParamContainer = {
+    0xAFB126D0, 0xCAF4, 0x4218, {0x9C, 0x71, 0x68, 0xC5, 0x53, 0x1A, 0x79, 0xD9}};
+
+// {0616F398-D5E7-4024-B0F8-75A08222CDF8}: the host's parameter container class.
+inline constexpr CLSID CLSID_TslParamContainer = {
+    0x0616F398, 0xD5E7, 0x4024, {0xB0, 0xF8, 0x75, 0xA0, 0x82, 0x22, 0xCD, 0xF8}};
+
+// {349246F7-99F0-4528-981A-3D4C496A78A4}: what SetHost asks the host for.
+inline constexpr IID IID_ITslHost = {
+    0x349246F7, 0x99F0, 0x4528, {0x98, 0x1A, 0x3D, 0x4C, 0x49, 0x6A, 0x78, 0xA4}};
+
+} // namespace tsl

@@ -1,0 +1,46 @@
+// The keys of the parameter container. A key is its kind in bits 63..56, its number in bits 55..32
+// and the VARIANT type of its value in bits 31..0. Part of the contract with hosts: not to be
+// changed.
+#pragma once
+
+#include <windows.h>
+
+#include <wtypes.h>
+
+namespace tsl {
+
+constexpr UINT64 MakeParamKey(UINT64 kind, UINT64 number, UINT64 type) noexcept {
+    return kind << 56 | number << 32 | type;
+}
+
+constexpr VARTYPE ParamKeyType(UINT64 key) noexcept {
+    return static_cast<VARTYPE>(key);
+}
+
+inline constexpr UINT64 kKindOrdinary = 0x02;
+
+// A second container, that of the linked item.
+inline constexpr UINT64 kKeyLinkedItem = MakeParamKey(kKindOrdinary, 0x02, VT_UNKNOWN);
+
+// The fields of an action record.
+inline constexpr UINT64 kKeyAppId = MakeParamKey(kKindOrdinary, 0x20, VT_I4);
+inline constexpr UINT64 kKeyUserId = MakeParamKey(kKindOrdinary, 0x21, VT_UI4);
+inline constexpr UINT64 kKeyRecordId = MakeParamKey(kKindOrdinary, 0x22, VT_UI4);
+inline constexpr UINT64 kKeyActionTime = MakeParamKey(kKindOrdinary, 0x24, VT_DATE);
+inline constexpr UINT64 kKeyActionName = MakeParamKey(kKindOrdinary, 0x25, VT_BSTR);
+
+// The value lists of an action.
+inline constexpr UINT64 kKeyUllValues = MakeParamKey(kKindOrdinary, 0x30, VT_ARRAY | VT_UI8);
+inline constexpr UINT64 kKeyUsValues = MakeParamKey(kKindOrdinary, 0x31, VT_ARRAY | VT_UI2);
+inline constexpr UINT64 kKeyIntValues = MakeParamKey(kKindOrdinary, 0x32, VT_ARRAY | VT_I4);
+inline constexpr UINT64 kKeyBoolValues = MakeParamKey(kKindOrdinary, 0x33, VT_ARRAY | VT_BOOL);
+inline constexpr UINT64 kKeyStringValues = MakeParamKey(kKindOrdinary, 0x34, VT_ARRAY | VT_BSTR);
+inline constexpr UINT64 kKeyFloatValues = MakeParamKey(kKindOrdinary, 0x35, VT_ARRAY | VT_R4);
+inline constexpr UINT64 kKeyMoreStringValues =
+    MakeParamKey(kKindOrdinary, 0x51, VT_ARRAY | VT_BSTR);
+
+// The two texts of a linked item.
+inline constexpr UINT64 kKeyText44 = MakeParamKey(kKindOrdinary, 0x44, VT_BSTR);
+inline constexpr UINT64 kKeyText48 = MakeParamKey(kKindOrdinary, 0x48, VT_BSTR);
+
+} // namespace tsl
