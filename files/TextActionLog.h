@@ -1,0 +1,23 @@
+// The file "actionLog.txt": one line that holds the record id handed out last. Both operations
+// REQUIRE that the LogId lock is held or that its wait has timed out.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace tsl {
+
+inline constexpr wchar_t kCounterFileName[] = L"actionLog.txt";
+
+// Rewrites the file with the counter. S_OK when it was written. A failed open gives its Win32
+// error; a failed write gives the status of the open, which is S_OK for a new file and 0x800700B7
+// for one that was there.
+HRESULT WriteCounter(const std::wstring& path, UINT32 counter);
+
+// Reads the number on the last line; a line that is no number counts as 0. E_INVALIDARG when there
+// is no file, the Win32 error of a failed open; the counter is left as it is then, and also when
+// the file has no line.
+HRESULT ReadCounter(const std::wstring& path, UINT32& counter);
+
+} // namespace tsl

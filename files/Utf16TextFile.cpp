@@ -1,0 +1,74 @@
+#include "files/Utf16TextFile.h"
+
+#include "base/Hresult.h"
+
+namespace tsl {
+
+namespace {
+
+constexpr wchar_t kByteOrderMark = 0xFEFF;
+constexpr DWORD kByteOrderMarkSize = sizeof kByteOrderMark;
+
+OpenedTextFile Open(const std::wstring& path, DWORD access, DWORD disposition) {
+    OpenedTextFile opened;
+    // The status is read after successes too, so an older error must not be taken for it.
+    SetLastError(ERROR_SUCCESS);
+    opened.file = CHandle(CreateFileW(path.c_str(), access, /*shareMode=*/0,
+                                      /*securityAttributes=*/nullptr, disposition,
+                                      FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
+    opened.status = HresultFromLastError();
+    return opened;
+}
+
+bool WriteBytes(const CHandle& file, const void* bytes, DWORD size) noexcept {
+    DWORD written = 0;
+    return WriteFile(file.Get(), bytes, size, &written, /*overlapped=*/nullptr) && written == size;
+}
+
+} // namespace
+
+OpenedTextFile OpenTextFileForReading(const std::wstring& path) {
+    return Open(path, GENERIC_READ, OPEN_EXISTING);
+}
+
+OpenedTextFile CreateTextFile(const std::wstring& path) {
+    return Open(path, GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS);
+}
+
+std::wstring ReadText(const CHandle& file) {
+    DWORD size = GetFileSize(file.Get(), nullptr);
+    if (size == INVALID_FILE_SIZE) return {};
+    wchar_t mark = 0;
+    DWORD read = 0;
+    if (!ReadFile(file.Get(), &mark, kByteOrderMarkSize, &read, nullptr)) return {};
+    if (read == kByteOrderMarkSize && mark == kByteOrderMark) {
+        size -= read;
+    } else {
+        SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
+    }
+    std::wstring text(size / sizeof(wchar_t), L'\0');
+    const DWORD wanted = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    if (!ReadFile(file.Get(), text.data(), wanted, &read, nullptr)) return {};
+    text.resize(read / sizeof(wchar_t));
+    return text;
+}
+
+bool WriteText(const CHandle& file, std::wstring_view text) {
+    return WriteBytes(file, &kByteOrderMark, kByteOrderMarkSize) &&
+           WriteBytes(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)));
+}
+
+std::vector<std::wstring_view> SplitLines(std::wstring_view text) {
+    std::vector<std::wstring_view> lines;
+    size_t position = 0;
+    while (position < text.size()) {
+        size_t end = text.find(L"\r\n", position);
+        if (end == std::wstring_view::npos || end == 0) end = text.size();
+        lines.push_back(text.substr(position, end - position));
+        position = text.find_first_not_of(L"\r\n", end);
+        if (position == std::wstring_view::npos) break;
+    }
+    return lines;
+}
+
+} // namespace tsl

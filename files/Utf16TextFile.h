@@ -1,0 +1,39 @@
+// The small UTF-16LE text files that the processes share: byte order mark, lines ended by CR LF,
+// read whole and rewritten whole, opened for nobody else meanwhile. The callers hold the lock that
+// serialises the processes.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/Handle.h"
+
+namespace tsl {
+
+// An opened file and the thread's last error right after opening, as an HRESULT: also after a
+// success it tells something, that a file was there before (ERROR_ALREADY_EXISTS).
+struct OpenedTextFile {
+    CHandle file;
+    HRESULT status = S_OK;
+};
+
+OpenedTextFile OpenTextFileForReading(const std::wstring& path);
+
+// Creates the file or empties an existing one.
+OpenedTextFile CreateTextFile(const std::wstring& path);
+
+// The text behind the byte order mark, or from the first byte where there is none. An odd last byte
+// is left out; what cannot be read gives an empty text.
+std::wstring ReadText(const CHandle& file);
+
+// Writes byte order mark and text; false when either could not be written.
+bool WriteText(const CHandle& file, std::wstring_view text);
+
+// The lines of a text, without their breaks. A break at the very start of the text is no break, and
+// further CR and LF characters behind one belong to it.
+std::vector<std::wstring_view> SplitLines(std::wstring_view text);
+
+} // namespace tsl
