@@ -1,0 +1,81 @@
+#include "store/Database.h"
+
+#include "store/Utf8.h"
+
+namespace tsl {
+
+int CDatabase::Open(const SqliteApi& engine, const std::wstring& path) {
+    Close();
+    m_engine = &engine;
+    return engine.Open(CUtf8Text(path).Get(), &m_connection);
+}
+
+void CDatabase::Close() noexcept {
+    if (m_connection) m_engine->Close(m_connection);
+    m_connection = nullptr;
+}
+
+int CStatement::Prepare(const std::wstring& text) {
+    Finalize();
+    return m_database.Engine().Prepare(m_database.Connection(), text, &m_statement);
+}
+
+int CStatement::BindInt64(int index, INT64 value) {
+    return m_database.Engine().BindInt64(m_statement, index, value);
+}
+
+int CStatement::BindText(int index, const wchar_t* text) {
+    return m_database.Engine().BindText(m_statement, index, text);
+}
+
+int CStatement::BindDouble(int index, double value) {
+    return m_database.Engine().BindDouble(m_statement, index, value);
+}
+
+int CStatement::Step() {
+    return m_database.Engine().Step(m_statement);
+}
+
+int CStatement::Finalize() {
+    sqlite3_stmt* const statement = m_statement;
+    m_statement = nullptr;
+    return statement ? m_database.Engine().Finalize(statement) : kSqliteOk;
+}
+
+int CStatement::Run() {
+    const int result = Step();
+    return result == kSqliteDone ? Finalize() : result;
+}
+
+INT64 CStatement::ColumnInt64(int column) const {
+    return m_database.Engine().ColumnInt64(m_statement, column);
+}
+
+int ExecuteStatement(const CDatabase& database, const std::wstring& text) {
+    CStatement statement(database);
+    const int result = statement.Prepare(text);
+    return result == kSqliteOk ? statement.Run() : result;
+}
+
+CTransaction::~CTransaction() {
+    if (!m_open) return;
+    try {
+        ExecuteStatement(m_database, L"ROLLBACK");
+    } catch (...) {
+        // Closing the connection, which follows, rolls back as well.
+    }
+}
+
+int CTransaction::Begin() {
+    const int result = ExecuteStatement(m_database, L"BEGIN IMMEDIATE");
+    m_open = result == kSqliteOk;
+    return result;
+}
+
+int CTransaction::Commit() {
+    const int result = ExecuteStatement(m_database, L"COMMIT");
+    if (result == kSqliteOk) m_open = false;
+    return result;
+}
+
+} // namespace tsl

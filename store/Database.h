@@ -1,0 +1,81 @@
+// Owners of a database connection, a statement and a transaction. All belong to one operation and
+// one thread, under the SQLiteAccess lock of their user, and must not outlive the SqliteApi.
+#pragma once
+
+#include <string>
+
+#include "store/SqliteApi.h"
+
+namespace tsl {
+
+// Closes its connection when it goes.
+class CDatabase {
+public:
+    CDatabase() noexcept = default;
+    CDatabase(const CDatabase&) = delete;
+    CDatabase& operator=(const CDatabase&) = delete;
+    ~CDatabase() { Close(); }
+
+    // Opens the file, closing what was open; the engine may give a connection also when it fails.
+    // Returns the engine's result.
+    int Open(const SqliteApi& engine, const std::wstring& path);
+    void Close() noexcept;
+
+    // REQUIRES: Open was called.
+    const SqliteApi& Engine() const noexcept { return *m_engine; }
+    sqlite3* Connection() const noexcept { return m_connection; }
+    explicit operator bool() const noexcept { return m_connection != nullptr; }
+
+private:
+    const SqliteApi* m_engine = nullptr;
+    sqlite3* m_connection = nullptr;
+};
+
+// Finalizes its statement when it goes. Every call returns the engine's result.
+class CStatement {
+public:
+    // REQUIRES: the database has a connection.
+    explicit CStatement(const CDatabase& database) noexcept : m_database(database) {}
+    CStatement(const CStatement&) = delete;
+    CStatement& operator=(const CStatement&) = delete;
+    ~CStatement() { Finalize(); }
+
+    int Prepare(const std::wstring& text);
+    int BindInt64(int index, INT64 value);
+    int BindText(int index, const wchar_t* text);
+    int BindDouble(int index, double value);
+    int Step();
+    int Finalize();
+
+    // Steps a statement that yields no row: the result of finalizing it once it is done, else that
+    // of the step.
+    int Run();
+
+    INT64 ColumnInt64(int column) const;
+
+private:
+    const CDatabase& m_database;
+    sqlite3_stmt* m_statement = nullptr;
+};
+
+// Prepares the text and runs it to its end. SQLITE_ROW when it yields a row.
+int ExecuteStatement(const CDatabase& database, const std::wstring& text);
+
+// Rolls back when it goes, unless it was committed. Every call returns the engine's result.
+class CTransaction {
+public:
+    explicit CTransaction(const CDatabase& database) noexcept : m_database(database) {}
+    CTransaction(const CTransaction&) = delete;
+    CTransaction& operator=(const CTransaction&) = delete;
+    ~CTransaction();
+
+    // Takes the file's write lock at once, so that a busy file is told before anything is done.
+    int Begin();
+    int Commit();
+
+private:
+    const CDatabase& m_database;
+    bool m_open = false;
+};
+
+} // namespace tsl

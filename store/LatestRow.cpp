@@ -1,0 +1,71 @@
+#include "store/LatestRow.h"
+
+#include <algorithm>
+
+namespace tsl {
+
+namespace {
+
+// Each file has one table that its mark speaks of.
+bool SelectedTableHasMark(const CActionLogStore& store) {
+    const std::wstring file = store.DatabaseName();
+    return (file == kActionLogFileName && store.Name() == kActionLogTable) ||
+           (file == kReplayFileName && store.Name() == kReplayTable);
+}
+
+// First column of the single row that the text yields.
+int ReadNumber(const CDatabase& database, const std::wstring& text, INT64& number) {
+    CStatement statement(database);
+    int result = statement.Prepare(text);
+    if (result != kSqliteOk) return result;
+    result = statement.Step();
+    if (result != kSqliteRow) return result == kSqliteDone ? kSqliteError : result;
+    number = statement.ColumnInt64(0);
+    return statement.Finalize();
+}
+
+// The highest id that the table can hold. A file without a mark (0) may come from an older version:
+// its rows tell.
+int HighestId(const CDatabase& database, const std::wstring& table, INT64 mark, INT64& highest) {
+    highest = mark;
+    if (mark != 0) return kSqliteOk;
+    return ReadNumber(
+        database, L"SELECT MAX(" + std::wstring(kActionLogIdColumn) + L") FROM " + table, highest);
+}
+
+int DeleteRows(const CDatabase& database, const std::wstring& table, UINT32 recordId) {
+    CStatement statement(database);
+    int result =
+        statement.Prepare(L"DELETE FROM " + table + L" WHERE " + kActionLogIdColumn + L" = ?");
+    if (result == kSqliteOk) result = statement.BindInt64(1, recordId);
+    return result == kSqliteOk ? statement.Run() : result;
+}
+
+// The header holds 32 bits and reads them as signed.
+int WriteMark(const CDatabase& database, UINT32 mark) {
+    return ExecuteStatement(database,
+                            L"PRAGMA user_version = " + std::to_wstring(static_cast<INT32>(mark)));
+}
+
+} // namespace
+
+int RemoveOlderRows(const CActionLogStore& store, const CDatabase& database, UINT32 recordId) {
+    const std::wstring table = store.SelectedTable();
+    if (!SelectedTableHasMark(store)) return DeleteRows(database, table, recordId);
+
+    INT64 stored = 0;
+    int result = ReadNumber(database, L"PRAGMA user_version", stored);
+    if (result != kSqliteOk) return result;
+    const INT64 mark = static_cast<UINT32>(stored);
+    INT64 highest = 0;
+    result = HighestId(database, table, mark, highest);
+    if (result == kSqliteOk && recordId <= highest) result = DeleteRows(database, table, recordId);
+    constexpr INT64 kHighestMark = 0xFFFFFFFF;
+    const INT64 raised = std::min(std::max<INT64>(highest, recordId), kHighestMark);
+    if (result == kSqliteOk && raised != mark) {
+        result = WriteMark(database, static_cast<UINT32>(raised));
+    }
+    return result;
+}
+
+} // namespace tsl
