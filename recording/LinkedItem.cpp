@@ -1,0 +1,74 @@
+#include "recording/LinkedItem.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "base/ComPtr.h"
+#include "component/host/Identities.h"
+#include "query/ContainerValues.h"
+#include "recording/ValueList.h"
+
+namespace tsl {
+
+namespace {
+
+constexpr ULONGLONG kNoId = 0xFFFFFFFFFFFFFFFF;
+constexpr std::wstring_view kChannelMarker = L"VELLORA_CHANNEL";
+
+// False when the text is not there. An empty one is there, but nothing is appended.
+bool AppendText(ITslParamContainer& item, UINT64 key, std::vector<std::wstring>& texts) {
+    CVariant value;
+    if (ReadValue(item, key, value) != S_OK || value.Type() == VT_EMPTY) return false;
+    const std::wstring_view text = BstrView(value.Get().bstrVal);
+    if (!text.empty()) texts.emplace_back(text);
+    return true;
+}
+
+ComPtr<ITslParamContainer> LinkedItem(ITslParamContainer& container) {
+    CVariant value;
+    ComPtr<ITslParamContainer> item;
+    if (ReadValue(container, kKeyLinkedItem, value) == S_OK && value.Get().punkVal) {
+        value.Get().punkVal->QueryInterface(IID_ITslParamContainer,
+                                            reinterpret_cast<void**>(item.GetAddressOf()));
+    }
+    return item;
+}
+
+} // namespace
+
+HRESULT AppendLinkedItemValues(ITslParamContainer& container, LinkedItemValues& gathered) {
+    const ComPtr<ITslParamContainer> item = LinkedItem(container);
+    if (!item) return S_OK;
+    if (!AppendText(*item.Get(), kKeyText44, gathered.texts)) return E_INVALIDARG;
+    if (!AppendText(*item.Get(), kKeyText48, gathered.texts)) return E_INVALIDARG;
+
+    CValueList<BSTR> first;
+    if (!first.ReadRequired(*item.Get(), kKeyStringValues)) return E_INVALIDARG;
+    const std::span<const BSTR> names = first.Values();
+    if (std::ranges::any_of(names, [](BSTR name) { return BstrView(name).empty(); })) {
+        return E_INVALIDARG;
+    }
+    CValueList<BSTR> second;
+    if (!second.ReadRequired(*item.Get(), kKeyMoreStringValues)) return E_INVALIDARG;
+    const std::span<const BSTR> details = second.Values();
+    CValueList<ULONGLONG> ids;
+    if (!ids.ReadRequired(*item.Get(), kKeyUllValues)) return E_INVALIDARG;
+    gathered.ids.assign(ids.Values().begin(), ids.Values().end());
+
+    // Missing ids are padded to the number of details, missing details to the number of names; the
+    // paddings come in this order, so details that were padded do not ask for ids.
+    gathered.ids.resize(std::max(gathered.ids.size(), details.size()), kNoId);
+    const size_t detailCount = std::max(details.size(), names.size());
+    if (!names.empty() && BstrView(names.front()) == kChannelMarker) {
+        std::ranges::replace(gathered.ids, ULONGLONG{0}, kNoId);
+    }
+    if (names.size() != detailCount || gathered.ids.size() != detailCount) return E_INVALIDARG;
+    for (size_t index = 0; index < names.size(); ++index) {
+        gathered.texts.emplace_back(BstrView(names[index]));
+        gathered.texts.emplace_back(index < details.size() ? BstrView(details[index])
+                                                           : std::wstring_view());
+    }
+    return S_OK;
+}
+
+} // namespace tsl

@@ -1,0 +1,40 @@
+#include "recording/RecordIds.h"
+
+#include "component/host/CommandCodes.h"
+#include "component/host/ParamKeys.h"
+#include "files/DataFolders.h"
+#include "files/Paths.h"
+#include "files/TextActionLog.h"
+#include "query/AnswerContainer.h"
+
+namespace tsl {
+
+namespace {
+
+HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
+    if (!result) return E_POINTER;
+    ComPtr<ITslParamContainer> answer;
+    HRESULT status = CreateContainer(kCommandNextRecordId, answer);
+    if (SUCCEEDED(status)) status = SetUi4(*answer.Get(), kKeyRecordId, recordId);
+    return FAILED(status) ? status : PutContainer(*answer.Get(), result);
+}
+
+} // namespace
+
+HRESULT NextRecordId(CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
+    UINT32& counter = store.RecordIdCounter();
+    counter = 1;
+    if (!container) return E_POINTER;
+
+    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
+    const std::wstring path = DbFolder() + kCounterFileName;
+    if (FileExists(path)) {
+        const HRESULT read = ReadCounter(path, counter);
+        if (FAILED(read)) return read;
+        ++counter;
+    }
+    const HRESULT written = WriteCounter(path, counter);
+    return FAILED(written) ? written : AnswerRecordId(counter, result);
+}
+
+} // namespace tsl

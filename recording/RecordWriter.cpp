@@ -1,0 +1,162 @@
+#include "recording/RecordWriter.h"
+
+#include <string>
+
+#include "query/ContainerValues.h"
+#include "recording/ParameterText.h"
+#include "recording/XmlDateTime.h"
+#include "store/LatestRow.h"
+#include "store/SqliteResult.h"
+
+namespace tsl {
+
+namespace {
+
+// What of a row is not the same in every row.
+struct ActionRecord {
+    UINT32 recordId = 0;
+    INT32 appId = 0;
+    UINT32 userId = 0;
+    CVariant name;
+    std::wstring parameters;
+    DATE appLoggedTime = 0.0;
+    DATE pluginLoggedTime = 0.0;
+    UINT32 logKind = 0;
+};
+
+DATE CurrentUtcTime() {
+    SYSTEMTIME now{};
+    GetSystemTime(&now);
+    CXmlDateTime time;
+    time.SetFromSystemTime(now, /*isLocal=*/false);
+    return time.Date();
+}
+
+// S_OK when the record is complete, S_FALSE when it is to be skipped, else the failure.
+HRESULT ReadRecord(ITslParamContainer& container, UINT32 logKind, ActionRecord& record) {
+    CVariant value;
+    HRESULT result = ReadValue(container, kKeyRecordId, value);
+    if (FAILED(result)) return result;
+    record.recordId = value.Type() == VT_UI4 ? value.Get().ulVal : 0;
+    result = ReadValue(container, kKeyActionName, record.name);
+    if (FAILED(result)) return result;
+    if (record.name.Type() != VT_BSTR || record.recordId == 0) return S_FALSE;
+
+    record.pluginLoggedTime = CurrentUtcTime();
+    result = ReadValue(container, kKeyActionTime, value);
+    if (FAILED(result)) return result;
+    record.appLoggedTime = value.Type() == VT_DATE ? value.Get().date : record.pluginLoggedTime;
+
+    result = ReadValue(container, kKeyAppId, value);
+    if (FAILED(result)) return result;
+    record.appId = value.Type() == VT_I4 ? value.Get().lVal : 0;
+
+    result = ReadValue(container, kKeyUserId, value);
+    if (FAILED(result)) return result;
+    if (value.Type() != VT_UI4) return S_FALSE;
+    record.userId = value.Get().ulVal;
+
+    record.logKind = logKind;
+    result = BuildActionParameters(&container, record.parameters, logKind);
+    return FAILED(result) ? result : S_OK;
+}
+
+std::wstring ReplaceText(const std::wstring& table) {
+    std::wstring columns;
+    std::wstring placeholders;
+    for (const Column& column : kActionColumns) {
+        if (!columns.empty()) {
+            columns += L',';
+            placeholders += L',';
+        }
+        columns += column.name;
+        placeholders += L'?';
+    }
+    return L"REPLACE INTO " + table + L" (" + columns + L") VALUES(" + placeholders + L")";
+}
+
+// Binds the values in the order of the columns; stops at the first that the engine refuses.
+class CRowBinder {
+public:
+    explicit CRowBinder(CStatement& statement) noexcept : m_statement(statement) {}
+
+    CRowBinder& Integer(INT64 value) {
+        if (Advance()) m_result = m_statement.BindInt64(m_index, value);
+        return *this;
+    }
+    CRowBinder& Text(const wchar_t* value) {
+        if (Advance()) m_result = m_statement.BindText(m_index, value);
+        return *this;
+    }
+    CRowBinder& Real(double value) {
+        if (Advance()) m_result = m_statement.BindDouble(m_index, value);
+        return *this;
+    }
+    int Result() const noexcept { return m_result; }
+
+private:
+    bool Advance() noexcept {
+        ++m_index;
+        return m_result == kSqliteOk;
+    }
+
+    CStatement& m_statement;
+    int m_index = 0;
+    int m_result = kSqliteOk;
+};
+
+int BindRow(CStatement& statement, const ActionRecord& record) {
+    constexpr INT64 kUsedLog = 0;
+    constexpr double kPreLoggedTime = 0.0;
+    constexpr const wchar_t* kNull = nullptr;
+    return CRowBinder(statement)
+        .Integer(record.recordId)
+        .Integer(kUsedLog)
+        .Integer(record.appId)
+        .Text(/*appName=*/kNull)
+        .Integer(record.userId)
+        .Text(record.name.Get().bstrVal)
+        .Text(record.parameters.c_str())
+        .Real(record.appLoggedTime)
+        .Real(record.pluginLoggedTime)
+        .Text(/*preActionName=*/kNull)
+        .Text(/*preActionParameters=*/kNull)
+        .Real(kPreLoggedTime)
+        .Integer(record.logKind)
+        .Result();
+}
+
+int InsertRow(const CDatabase& database, const std::wstring& table, const ActionRecord& record) {
+    CStatement statement(database);
+    int result = statement.Prepare(ReplaceText(table));
+    if (result == kSqliteOk) result = BindRow(statement, record);
+    return result == kSqliteOk ? statement.Run() : result;
+}
+
+// The older row goes and the new one comes together, or neither.
+int ReplaceRow(const CActionLogStore& store, const CDatabase& database,
+               const ActionRecord& record) {
+    CTransaction transaction(database);
+    int result = transaction.Begin();
+    if (result == kSqliteOk) result = RemoveOlderRows(store, database, record.recordId);
+    if (result == kSqliteOk) result = InsertRow(database, store.SelectedTable(), record);
+    return result == kSqliteOk ? transaction.Commit() : result;
+}
+
+} // namespace
+
+HRESULT WriteActionRecord(CActionLogStore& store, ITslParamContainer* container) {
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+    CDatabase database;
+    const HRESULT opened = store.OpenSelected(&database);
+    if (FAILED(opened) || !database) return opened;
+    if (!container) return S_OK;
+
+    ActionRecord record;
+    const HRESULT read = ReadRecord(*container, store.LogKind(), record);
+    if (FAILED(read)) return read;
+    if (read != S_OK) return S_OK;
+    return SuccessAsOk(SqliteResultToHresult(ReplaceRow(store, database, record)));
+}
+
+} // namespace tsl
