@@ -1,0 +1,75 @@
+#include "component/PluginDb.h"
+
+#include <atomic>
+
+#include "component/Module.h"
+
+namespace tsl {
+
+namespace {
+
+// The flag that any object of the process was given last; 0 keeps every object from recording.
+constinit std::atomic<UINT32> g_recordingSwitch = 0;
+
+} // namespace
+
+HRESULT CPluginDb::FinalConstruct() {
+    m_store.emplace(ComponentModule());
+    return S_OK;
+}
+
+void CPluginDb::FinalRelease() noexcept {
+    m_store.reset();
+    m_host.Reset();
+}
+
+IUnknown* CPluginDb::FindInterface(REFIID iid) noexcept {
+    const bool known = iid == IID_IUnknown || iid == IID_ITslPluginDb || iid == IID_ITslPluginDb2;
+    return known ? static_cast<ITslPluginDb2*>(this) : nullptr;
+}
+
+HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters,
+                       VARIANT* result) {
+    const Command* const command = FindCommand(method, commandCode);
+    return command ? RunCommand(*command, *m_store, parameters, result) : E_NOTIMPL;
+}
+
+HRESULT STDMETHODCALLTYPE CPluginDb::Notify(UINT64 commandCode, IUnknown* parameters) {
+    return AtBoundary([&] {
+        if (g_recordingSwitch == 0) return E_NOTIMPL;
+        return Run(CommandMethod::Notify, commandCode, parameters, /*result=*/nullptr);
+    });
+}
+
+HRESULT STDMETHODCALLTYPE CPluginDb::Request(UINT64 commandCode, IUnknown* parameters,
+                                             IUnknown* /*unused*/, VARIANT* result) {
+    return AtBoundary([&] { return Run(CommandMethod::Request, commandCode, parameters, result); });
+}
+
+HRESULT STDMETHODCALLTYPE CPluginDb::Delete(UINT64 commandCode, IUnknown* parameters) {
+    return AtBoundary(
+        [&] { return Run(CommandMethod::Delete, commandCode, parameters, /*result=*/nullptr); });
+}
+
+HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
+    return AtBoundary([&] {
+        if (host && host == m_host.Get()) return S_OK;
+        ComPtr<ITslHost> held;
+        if (host) {
+            host->QueryInterface(IID_ITslHost, reinterpret_cast<void**>(held.GetAddressOf()));
+        }
+        // The old host is let go last: it may call back into this object.
+        m_host.Swap(held);
+        return host ? S_OK : S_FALSE;
+    });
+}
+
+HRESULT STDMETHODCALLTYPE CPluginDb::SetRecordingEnabled(UINT32 flag) {
+    return AtBoundary([&] {
+        g_recordingSwitch = flag;
+        m_store->SetLogKind(flag);
+        return S_OK;
+    });
+}
+
+} // namespace tsl
