@@ -1,0 +1,41 @@
+// Base of every test that touches the machine-wide folders: each test finds them empty.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tsl::test {
+
+// The folder of the test program, with a trailing backslash: the component lies in it.
+std::filesystem::path ProgramFolder();
+
+// The machine-wide folder of the databases and the counter file, as the component must choose it.
+std::filesystem::path StoreFolder();
+std::filesystem::path CounterPath();
+std::filesystem::path ActionLogPath();
+std::filesystem::path ReplayPath();
+
+using Bytes = std::vector<unsigned char>;
+Bytes ReadBytes(const std::filesystem::path& path);
+void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);
+
+// The bytes of a text in UTF-16LE, without and with a leading byte order mark.
+Bytes Utf16Bytes(std::wstring_view text);
+Bytes Utf16FileBytes(std::wstring_view text);
+
+// Wipes the folder of the company below the all-users application data before and after each test.
+// Fails unless TSL_TEST_STORE_MAY_BE_WIPED=1 is set, so that no real store is lost by accident.
+class StoreTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Makes the store folder, for tests that put files into it beforehand.
+    static void MakeStoreFolder();
+};
+
+} // namespace tsl::test
