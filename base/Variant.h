@@ -42,6 +42,25 @@ public:
         made.m_value.ulVal = number;
         return made;
     }
+    static CVariant FromI4(INT32 number) noexcept {
+        CVariant made;
+        made.m_value.vt = VT_I4;
+        made.m_value.lVal = number;
+        return made;
+    }
+    static CVariant FromDate(DATE date) noexcept {
+        CVariant made;
+        made.m_value.vt = VT_DATE;
+        made.m_value.date = date;
+        return made;
+    }
+    // A copy of the text. Throws E_OUTOFMEMORY.
+    static CVariant FromText(std::wstring_view text) {
+        CVariant made;
+        made.m_value.bstrVal = AllocateBstr(text);
+        made.m_value.vt = VT_BSTR;
+        return made;
+    }
     // Takes over the interface pointer; no reference is added.
     static CVariant FromOwnedUnknown(IUnknown* pointer) noexcept {
         CVariant made;

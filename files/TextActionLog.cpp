@@ -42,7 +42,7 @@ HRESULT ReadCounter(const std::wstring& path, UINT32& counter) {
     const OpenedTextFile opened = OpenTextFileForReading(path);
     if (!opened.file) return opened.status;
     HRESULT result = opened.status;
-    for (const std::wstring_view line : SplitLines(ReadText(opened.file))) {
+    for (const std::wstring& line : SplitLines(ReadText(opened.file))) {
         counter = ParseLine(line);
         result = S_OK;
     }

@@ -58,13 +58,13 @@ bool WriteText(const CHandle& file, std::wstring_view text) {
            WriteBytes(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)));
 }
 
-std::vector<std::wstring_view> SplitLines(std::wstring_view text) {
-    std::vector<std::wstring_view> lines;
+std::vector<std::wstring> SplitLines(std::wstring_view text) {
+    std::vector<std::wstring> lines;
     size_t position = 0;
     while (position < text.size()) {
         size_t end = text.find(L"\r\n", position);
         if (end == std::wstring_view::npos || end == 0) end = text.size();
-        lines.push_back(text.substr(position, end - position));
+        lines.emplace_back(text.substr(position, end - position));
         position = text.find_first_not_of(L"\r\n", end);
         if (position == std::wstring_view::npos) break;
     }

@@ -34,6 +34,6 @@ bool WriteText(const CHandle& file, std::wstring_view text);
 
 // The lines of a text, without their breaks. A break at the very start of the text is no break, and
 // further CR and LF characters behind one belong to it.
-std::vector<std::wstring_view> SplitLines(std::wstring_view text);
+std::vector<std::wstring> SplitLines(std::wstring_view text);
 
 } // namespace tsl

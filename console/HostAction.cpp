@@ -1,0 +1,63 @@
+#include "console/HostAction.h"
+
+#include "component/host/CommandCodes.h"
+#include "component/host/ParamKeys.h"
+#include "console/Arrays.h"
+
+namespace tsl {
+
+namespace {
+
+void Set(CTslParamContainer& container, UINT64 key, CVariant value) {
+    const HRESULT result = container.SetValue(key, value.Address());
+    if (FAILED(result)) throw CHresultError(result);
+}
+
+template <class T>
+void SetList(CTslParamContainer& container, UINT64 key, const std::optional<std::vector<T>>& list) {
+    if (list) Set(container, key, MakeArray<T>(*list));
+}
+
+void SetTexts(CTslParamContainer& container, UINT64 key,
+              const std::optional<std::vector<std::wstring>>& list) {
+    if (list) Set(container, key, MakeTextArray(*list));
+}
+
+void SetText(CTslParamContainer& container, UINT64 key, const std::optional<std::wstring>& text) {
+    if (text) Set(container, key, CVariant::FromText(*text));
+}
+
+void SetValues(CTslParamContainer& container, const ActionValues& values) {
+    SetList(container, kKeyUllValues, values.ullValues);
+    SetList(container, kKeyUsValues, values.usValues);
+    SetList(container, kKeyIntValues, values.intValues);
+    SetList(container, kKeyBoolValues, values.boolValues);
+    SetTexts(container, kKeyStringValues, values.stringValues);
+    SetTexts(container, kKeyMoreStringValues, values.moreStringValues);
+    SetList(container, kKeyFloatValues, values.floatValues);
+}
+
+void SetLinkedItem(CTslParamContainer& container, const LinkedItem& linked) {
+    ComPtr<CTslParamContainer> item = CTslParamContainer::Create();
+    SetText(*item.Get(), kKeyText44, linked.text44);
+    SetText(*item.Get(), kKeyText48, linked.text48);
+    SetValues(*item.Get(), linked.values);
+    Set(container, kKeyLinkedItem, CVariant::FromOwnedUnknown(item.Detach()));
+}
+
+} // namespace
+
+ComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recordId) {
+    const ComPtr<CTslParamContainer> container = CTslParamContainer::Create();
+    container->SetCommandCode(kCommandRecordAction);
+    Set(*container.Get(), kKeyRecordId, CVariant::FromUi4(recordId));
+    Set(*container.Get(), kKeyActionName, CVariant::FromText(action.name));
+    Set(*container.Get(), kKeyAppId, CVariant::FromI4(action.app));
+    Set(*container.Get(), kKeyUserId, CVariant::FromUi4(action.user));
+    if (action.time) Set(*container.Get(), kKeyActionTime, CVariant::FromDate(*action.time));
+    SetValues(*container.Get(), action.values);
+    if (action.linked) SetLinkedItem(*container.Get(), *action.linked);
+    return container;
+}
+
+} // namespace tsl

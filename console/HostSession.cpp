@@ -1,0 +1,70 @@
+#include "console/HostSession.h"
+
+#include "base/Variant.h"
+#include "component/host/CommandCodes.h"
+#include "component/host/Identities.h"
+#include "component/host/ParamKeys.h"
+#include "console/Failure.h"
+#include "console/StorePlace.h"
+#include "console/Text.h"
+
+namespace tsl {
+
+namespace {
+
+constexpr wchar_t kPluginFileName[] = L"TslIfDbActionLog.dll";
+
+// Full path: a relative one would be searched for elsewhere than the user means.
+std::wstring FullPluginPath(const std::wstring& pluginPath) {
+    return pluginPath.empty() ? ProgramFolder() + kPluginFileName : FullPath(pluginPath);
+}
+
+UINT32 RecordIdOf(const CVariant& answer) {
+    ComPtr<ITslParamContainer> container;
+    CVariant id;
+    if (answer.Type() == VT_UNKNOWN && answer.Get().punkVal) {
+        answer.Get().punkVal->QueryInterface(IID_ITslParamContainer,
+                                             reinterpret_cast<void**>(container.GetAddressOf()));
+    }
+    if (!container || container->GetValue(kKeyRecordId, id.Address()) != S_OK ||
+        id.Type() != VT_UI4) {
+        throw CFailure(ExitCode::Denied, "the component's answer holds no record id");
+    }
+    return id.Get().ulVal;
+}
+
+} // namespace
+
+CHostSession::CHostSession(const std::wstring& pluginPath) {
+    const std::wstring path = FullPluginPath(pluginPath);
+    try {
+        m_library.emplace(path);
+        m_plugin = m_library->CreatePlugin();
+    } catch (const CHresultError& error) {
+        throw CFailure("cannot load", path, error.Result());
+    }
+}
+
+UINT32 CHostSession::NextRecordId() {
+    const ComPtr<CTslParamContainer> request = CTslParamContainer::Create();
+    CVariant answer;
+    const HRESULT result = m_plugin->Request(kCommandNextRecordId, request.Get(),
+                                             /*unused=*/nullptr, answer.Address());
+    if (FAILED(result)) throw CFailure("cannot take an id from", CounterFilePath(), result);
+    return RecordIdOf(answer);
+}
+
+UINT32 CHostSession::Record(const HostAction& action) {
+    const UINT32 id = NextRecordId();
+    m_plugin->SetRecordingEnabled(action.kind);
+    const HRESULT result =
+        m_plugin->Notify(kCommandRecordAction, MakeContainer(action, id).Get());
+    if (FAILED(result)) {
+        throw CFailure("cannot record action " + std::to_string(id) + " (" + ToUtf8(action.name) +
+                           ") in",
+                       ReplayLogPath(), result);
+    }
+    return id;
+}
+
+} // namespace tsl

@@ -1,0 +1,34 @@
+// A host of one plug-in object: loads the component, hands out ids and reports actions. Used by one
+// thread. Every failure is a CFailure.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "console/ComInitialization.h"
+#include "console/ContainerClass.h"
+#include "console/HostAction.h"
+#include "console/PluginLibrary.h"
+
+namespace tsl {
+
+class CHostSession {
+public:
+    // Loads the component from the path, or from beside the executable where the path is empty.
+    explicit CHostSession(const std::wstring& pluginPath);
+
+    // The next record id.
+    UINT32 NextRecordId();
+
+    // Takes an id for the action, reports it and returns the id.
+    UINT32 Record(const HostAction& action);
+
+private:
+    // Objects go before the library, the library before COM.
+    CComInitialization m_com;
+    CContainerClassRegistration m_containerClass;
+    std::optional<CPluginLibrary> m_library;
+    ComPtr<ITslPluginDb2> m_plugin;
+};
+
+} // namespace tsl

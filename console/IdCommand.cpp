@@ -1,0 +1,17 @@
+// tslhost id
+#include "console/Commands.h"
+#include "console/HostSession.h"
+#include "console/Output.h"
+#include "console/RecordIdOutput.h"
+
+namespace tsl {
+
+void AddIdCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* const command = app.add_subcommand("id", "Hand out and print the next record id");
+    command->callback([&context] {
+        CHostSession session(context.pluginPath);
+        PrintRecordId(session.NextRecordId(), context.json);
+    });
+}
+
+} // namespace tsl

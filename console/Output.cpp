@@ -1,0 +1,54 @@
+#include "console/Output.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+namespace tsl {
+
+namespace {
+
+void Write(std::FILE* stream, std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+}
+
+} // namespace
+
+void PrepareOutput() {
+    SetConsoleOutputCP(CP_UTF8);
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+}
+
+void PrintLine(std::string_view line) {
+    std::string text(line);
+    Write(stdout, text.append("\n"));
+}
+
+void PrintError(std::string_view message) {
+    std::string text("tslhost: ");
+    Write(stderr, text.append(message).append("\n"));
+}
+
+CProgress::CProgress() : m_terminal(_isatty(_fileno(stderr)) != 0) {}
+
+void CProgress::Show(std::string_view text) {
+    constexpr unsigned long long kIntervalMilliseconds = 100;
+    const unsigned long long now = GetTickCount64();
+    if (!m_terminal || now < m_nextMilliseconds) return;
+    m_nextMilliseconds = now + kIntervalMilliseconds;
+    std::string rewritten("\r");
+    Write(stderr, rewritten.append(text));
+    m_shown = true;
+}
+
+void CProgress::Clear() {
+    if (m_shown) Write(stderr, "\r\x1b[K");
+    m_shown = false;
+}
+
+} // namespace tsl

@@ -1,0 +1,36 @@
+// What the console host writes: UTF-8, results to the standard output, the rest to the error output.
+#pragma once
+
+#include <string_view>
+
+namespace tsl {
+
+// Makes both streams carry the bytes as they are, and a terminal show them as UTF-8.
+void PrepareOutput();
+
+// One line of results.
+void PrintLine(std::string_view line);
+
+// One line for the person: "tslhost: message".
+void PrintError(std::string_view message);
+
+// A counter that is rewritten in place on a terminal, and never shown elsewhere.
+class CProgress {
+public:
+    CProgress();
+    CProgress(const CProgress&) = delete;
+    CProgress& operator=(const CProgress&) = delete;
+    ~CProgress() { Clear(); }
+
+    // Shows the text, at most every tenth of a second.
+    void Show(std::string_view text);
+    // Makes room for other lines.
+    void Clear();
+
+private:
+    bool m_terminal;
+    bool m_shown = false;
+    unsigned long long m_nextMilliseconds = 0;
+};
+
+} // namespace tsl

@@ -1,0 +1,19 @@
+// Where the files lie that messages name, and where the program lies. The component finds its files
+// by itself; these paths are only shown.
+#pragma once
+
+#include <string>
+
+namespace tsl {
+
+// Folder of the running program, with a trailing backslash.
+std::wstring ProgramFolder();
+
+// The path made absolute.
+std::wstring FullPath(const std::wstring& path);
+
+std::wstring CounterFilePath();
+std::wstring ActionLogPath();
+std::wstring ReplayLogPath();
+
+} // namespace tsl

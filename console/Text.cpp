@@ -1,0 +1,29 @@
+#include "console/Text.h"
+
+#include <windows.h>
+
+#include <stdexcept>
+
+namespace tsl {
+
+std::string ToUtf8(std::wstring_view text) {
+    const int length = static_cast<int>(text.size());
+    const int room = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0,
+                                         /*defaultChar=*/nullptr, /*usedDefault=*/nullptr);
+    std::string converted(static_cast<size_t>(room), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, converted.data(), room, nullptr, nullptr);
+    return converted;
+}
+
+std::wstring ToUtf16(std::string_view text) {
+    if (text.empty()) return {};
+    const int length = static_cast<int>(text.size());
+    const int room =
+        MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), length, nullptr, 0);
+    if (room == 0) throw std::invalid_argument("not valid UTF-8");
+    std::wstring converted(static_cast<size_t>(room), L'\0');
+    MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), length, converted.data(), room);
+    return converted;
+}
+
+} // namespace tsl

@@ -1,0 +1,15 @@
+// UTF-8, which the console host reads and writes, and UTF-16, which the component takes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tsl {
+
+// Unpaired surrogates become U+FFFD.
+std::string ToUtf8(std::wstring_view text);
+
+// Throws std::invalid_argument for what is no UTF-8.
+std::wstring ToUtf16(std::string_view text);
+
+} // namespace tsl
