@@ -1,0 +1,78 @@
+// tslhost import, run as a user runs it.
+#include <windows.h>
+
+#include "tests/console/ConsoleRun.h"
+#include "tests/support/FileDatabase.h"
+#include "tests/support/StoreFixture.h"
+
+namespace tsl::test {
+
+namespace {
+
+constexpr char kGoodLine[] = "{\"name\":\"playItem\",\"app\":1,\"user\":1}\n";
+
+std::string Rows() {
+    return FileDatabase(ActionLogPath()).Value("SELECT count(*) FROM TslIf_DbActionLog");
+}
+
+} // namespace
+
+class Import : public StoreTest {};
+
+TEST_F(Import, RecordsEveryLineOfStandardInput) {
+    const ConsoleResult result = RunConsole(L"import -", std::string(kGoodLine) + kGoodLine);
+    EXPECT_EQ(0, result.exitCode) << result.errors;
+    EXPECT_EQ(0u, result.output.find("2 recorded, 0 bad, ")) << result.output;
+    EXPECT_EQ("", result.errors) << "no progress unless it is a terminal";
+    EXPECT_EQ("2", Rows());
+}
+
+TEST_F(Import, ReadsAFileWithWindowsLineEndsMarkAndBlankLines) {
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / L"\u30c6\u30b9\u30c8.jsonl";
+    const std::string text = "\xEF\xBB\xBF{\"name\":\"a\",\"app\":1,\"user\":1}\r\n\r\n"
+                             "{\"name\":\"b\",\"app\":1,\"user\":1}";
+    WriteBytes(file, Bytes(text.begin(), text.end()));
+    const ConsoleResult result = RunConsole(L"import \"" + file.wstring() + L"\"");
+    std::filesystem::remove(file);
+    EXPECT_EQ(0, result.exitCode) << result.errors;
+    EXPECT_EQ("2", Rows());
+}
+
+TEST_F(Import, NamesABadLineAndGoesOn) {
+    const ConsoleResult result =
+        RunConsole(L"import -", std::string(kGoodLine) + "\nnonsense\n" + kGoodLine +
+                                    "{\"name\":\"a\",\"app\":1}\n");
+    EXPECT_EQ(6, result.exitCode);
+    EXPECT_EQ(0u, result.errors.find("tslhost: -:3: parse error")) << result.errors;
+    EXPECT_NE(std::string::npos, result.errors.find("tslhost: -:5: \"user\" is missing\n"))
+        << result.errors;
+    EXPECT_EQ(0u, result.output.find("2 recorded, 2 bad, ")) << result.output;
+    EXPECT_EQ("2", Rows());
+}
+
+TEST_F(Import, SummaryIsJsonWhenAskedFor) {
+    const ConsoleResult result = RunConsole(L"import --json -", kGoodLine);
+    EXPECT_EQ(0u, result.output.find("{\"recorded\":1,\"bad\":0,\"actionsPerSecond\":"))
+        << result.output;
+}
+
+TEST_F(Import, MissingFileIsNamedWithCodeFive) {
+    const ConsoleResult result = RunConsole(L"import nosuch.jsonl");
+    EXPECT_EQ(5, result.exitCode);
+    EXPECT_EQ(0u, result.errors.find("tslhost: cannot open nosuch.jsonl: 0x80070002"))
+        << result.errors;
+}
+
+TEST_F(Import, FailureOfTheStoreEndsItAndSaysHowFarItCame) {
+    MakeStoreFolder();
+    WriteBytes(ReplayPath(), Bytes(4096, 'x'));
+    const ConsoleResult result = RunConsole(L"import -", std::string(kGoodLine) + kGoodLine);
+    EXPECT_EQ(4, result.exitCode);
+    EXPECT_EQ(0u, result.errors.find("tslhost: -:1: cannot record action 1 (playItem) in "))
+        << result.errors;
+    EXPECT_NE(std::string::npos, result.errors.find("; 0 actions were recorded before it\n"))
+        << result.errors;
+}
+
+} // namespace tsl::test
