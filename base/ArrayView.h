@@ -61,6 +61,7 @@ public:
         if (m_array) SafeArrayUnaccessData(m_array);
     }
 
+    // REQUIRES: nothing is open.
     HRESULT Open(SAFEARRAY* array) noexcept {
         const HRESULT result = SafeArrayAccessData(array, &m_data);
         if (SUCCEEDED(result)) m_array = array;
@@ -73,8 +74,8 @@ private:
     void* m_data = nullptr;
 };
 
-// True when the array is one-dimensional and holds elements of the type. An array that does not
-// know its type is told by the size of its elements, but for pointers, which must be declared.
+// True when the array is one-dimensional and its elements have the size of the type. Arrays of
+// pointers must be declared as such, and arrays of others must not be.
 inline bool ArrayHolds(SAFEARRAY* array, VARTYPE type, size_t elementSize) noexcept {
     if (SafeArrayGetDim(array) != 1 || SafeArrayGetElemsize(array) != elementSize) return false;
     const bool pointers = type == VT_BSTR || type == VT_UNKNOWN || type == VT_DISPATCH;
@@ -92,6 +93,7 @@ public:
     HRESULT Open(VARIANT& value) noexcept {
         constexpr VARTYPE type = VariantTraits<T>::kType;
         m_values = {};
+        m_access = CArrayAccess();
         if (value.vt == VT_EMPTY) return S_OK;
         if (value.vt == type) {
             m_values = std::span<const T>(&(value.*VariantTraits<T>::kMember), 1);

@@ -43,11 +43,7 @@ HRESULT RunCommand(const Command& command, CActionLogStore& store, IUnknown* par
     store.SelectTable(kTablePrefix, command.tableName);
     if (command.parametersRequired && !parameters) return E_POINTER;
     if (!command.operation) return E_NOTIMPL;
-    ComPtr<ITslParamContainer> container;
-    if (parameters) {
-        parameters->QueryInterface(IID_ITslParamContainer,
-                                   reinterpret_cast<void**>(container.GetAddressOf()));
-    }
+    const auto container = QueryFor<ITslParamContainer>(parameters, IID_ITslParamContainer);
     return command.operation(store, container.Get(), result);
 }
 

@@ -31,7 +31,9 @@ IUnknown* CPluginDb::FindInterface(REFIID iid) noexcept {
 HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters,
                        VARIANT* result) {
     const Command* const command = FindCommand(method, commandCode);
-    return command ? RunCommand(*command, *m_store, parameters, result) : E_NOTIMPL;
+    if (!command) return E_NOTIMPL;
+    if (!m_store) return E_POINTER; // a host calls back while the object ends
+    return RunCommand(*command, *m_store, parameters, result);
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Notify(UINT64 commandCode, IUnknown* parameters) {
@@ -54,10 +56,7 @@ HRESULT STDMETHODCALLTYPE CPluginDb::Delete(UINT64 commandCode, IUnknown* parame
 HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
     return AtBoundary([&] {
         if (host && host == m_host.Get()) return S_OK;
-        ComPtr<ITslHost> held;
-        if (host) {
-            host->QueryInterface(IID_ITslHost, reinterpret_cast<void**>(held.GetAddressOf()));
-        }
+        CComPtr<ITslHost> held = QueryFor<ITslHost>(host, IID_ITslHost);
         // The old host is let go last: it may call back into this object.
         m_host.Swap(held);
         return host ? S_OK : S_FALSE;
@@ -67,7 +66,7 @@ HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
 HRESULT STDMETHODCALLTYPE CPluginDb::SetRecordingEnabled(UINT32 flag) {
     return AtBoundary([&] {
         g_recordingSwitch = flag;
-        m_store->SetLogKind(flag);
+        if (m_store) m_store->SetLogKind(flag);
         return S_OK;
     });
 }

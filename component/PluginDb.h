@@ -40,7 +40,7 @@ private:
     static HRESULT DoNothing() noexcept { return S_OK; }
 
     std::optional<CActionLogStore> m_store;
-    ComPtr<ITslHost> m_host;
+    CComPtr<ITslHost> m_host;
 };
 
 } // namespace tsl

@@ -38,7 +38,7 @@ void SetValues(CTslParamContainer& container, const ActionValues& values) {
 }
 
 void SetLinkedItem(CTslParamContainer& container, const LinkedItem& linked) {
-    ComPtr<CTslParamContainer> item = CTslParamContainer::Create();
+    CComPtr<CTslParamContainer> item = CTslParamContainer::Create();
     SetText(*item.Get(), kKeyText44, linked.text44);
     SetText(*item.Get(), kKeyText48, linked.text48);
     SetValues(*item.Get(), linked.values);
@@ -47,8 +47,8 @@ void SetLinkedItem(CTslParamContainer& container, const LinkedItem& linked) {
 
 } // namespace
 
-ComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recordId) {
-    const ComPtr<CTslParamContainer> container = CTslParamContainer::Create();
+CComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recordId) {
+    const CComPtr<CTslParamContainer> container = CTslParamContainer::Create();
     container->SetCommandCode(kCommandRecordAction);
     Set(*container.Get(), kKeyRecordId, CVariant::FromUi4(recordId));
     Set(*container.Get(), kKeyActionName, CVariant::FromText(action.name));

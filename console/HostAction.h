@@ -37,6 +37,6 @@ struct HostAction {
 };
 
 // The container of an action that has been given its record id. Throws CHresultError.
-ComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recordId);
+CComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recordId);
 
 } // namespace tsl

@@ -20,11 +20,10 @@ std::wstring FullPluginPath(const std::wstring& pluginPath) {
 }
 
 UINT32 RecordIdOf(const CVariant& answer) {
-    ComPtr<ITslParamContainer> container;
+    CComPtr<ITslParamContainer> container;
     CVariant id;
-    if (answer.Type() == VT_UNKNOWN && answer.Get().punkVal) {
-        answer.Get().punkVal->QueryInterface(IID_ITslParamContainer,
-                                             reinterpret_cast<void**>(container.GetAddressOf()));
+    if (answer.Type() == VT_UNKNOWN) {
+        container = QueryFor<ITslParamContainer>(answer.Get().punkVal, IID_ITslParamContainer);
     }
     if (!container || container->GetValue(kKeyRecordId, id.Address()) != S_OK ||
         id.Type() != VT_UI4) {
@@ -46,7 +45,7 @@ CHostSession::CHostSession(const std::wstring& pluginPath) {
 }
 
 UINT32 CHostSession::NextRecordId() {
-    const ComPtr<CTslParamContainer> request = CTslParamContainer::Create();
+    const CComPtr<CTslParamContainer> request = CTslParamContainer::Create();
     CVariant answer;
     const HRESULT result = m_plugin->Request(kCommandNextRecordId, request.Get(),
                                              /*unused=*/nullptr, answer.Address());
@@ -57,8 +56,7 @@ UINT32 CHostSession::NextRecordId() {
 UINT32 CHostSession::Record(const HostAction& action) {
     const UINT32 id = NextRecordId();
     m_plugin->SetRecordingEnabled(action.kind);
-    const HRESULT result =
-        m_plugin->Notify(kCommandRecordAction, MakeContainer(action, id).Get());
+    const HRESULT result = m_plugin->Notify(kCommandRecordAction, MakeContainer(action, id).Get());
     if (FAILED(result)) {
         throw CFailure("cannot record action " + std::to_string(id) + " (" + ToUtf8(action.name) +
                            ") in",

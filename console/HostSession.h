@@ -28,7 +28,7 @@ private:
     CComInitialization m_com;
     CContainerClassRegistration m_containerClass;
     std::optional<CPluginLibrary> m_library;
-    ComPtr<ITslPluginDb2> m_plugin;
+    CComPtr<ITslPluginDb2> m_plugin;
 };
 
 } // namespace tsl

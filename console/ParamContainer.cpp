@@ -8,10 +8,8 @@
 
 namespace tsl {
 
-ComPtr<CTslParamContainer> CTslParamContainer::Create() {
-    ComPtr<CTslParamContainer> created;
-    created.Attach(new CTslParamContainer);
-    return created;
+CComPtr<CTslParamContainer> CTslParamContainer::Create() {
+    return CComPtr<CTslParamContainer>::FromOwned(new CTslParamContainer);
 }
 
 HRESULT CTslParamContainer::QueryInterface(REFIID iid, void** result) {

@@ -13,7 +13,7 @@ namespace tsl {
 
 class CTslParamContainer final : public ITslParamContainer {
 public:
-    static ComPtr<CTslParamContainer> Create();
+    static CComPtr<CTslParamContainer> Create();
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override;
     ULONG STDMETHODCALLTYPE AddRef() override;

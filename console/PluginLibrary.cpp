@@ -27,14 +27,12 @@ HRESULT CPluginLibrary::ClassObject(REFCLSID clsid, REFIID iid, void** result) c
     return Find<decltype(&DllGetClassObject)>("DllGetClassObject")(clsid, iid, result);
 }
 
-ComPtr<ITslPluginDb2> CPluginLibrary::CreatePlugin() const {
-    ComPtr<IClassFactory> factory;
-    HRESULT result = ClassObject(CLSID_PluginDb, IID_IClassFactory,
-                                 reinterpret_cast<void**>(factory.GetAddressOf()));
-    ComPtr<ITslPluginDb2> plugin;
+CComPtr<ITslPluginDb2> CPluginLibrary::CreatePlugin() const {
+    CComPtr<IClassFactory> factory;
+    HRESULT result = ClassObject(CLSID_PluginDb, IID_IClassFactory, factory.PutVoid());
+    CComPtr<ITslPluginDb2> plugin;
     if (SUCCEEDED(result)) {
-        result = factory->CreateInstance(/*outer=*/nullptr, IID_ITslPluginDb2,
-                                         reinterpret_cast<void**>(plugin.GetAddressOf()));
+        result = factory->CreateInstance(/*outer=*/nullptr, IID_ITslPluginDb2, plugin.PutVoid());
     }
     if (FAILED(result)) throw CHresultError(result);
     return plugin;

@@ -21,7 +21,7 @@ public:
     HRESULT ClassObject(REFCLSID clsid, REFIID iid, void** result) const;
 
     // A new plug-in object. Throws the failure of the factory.
-    ComPtr<ITslPluginDb2> CreatePlugin() const;
+    CComPtr<ITslPluginDb2> CreatePlugin() const;
 
     // Whether nothing of the DLL is in use.
     bool CanUnload() const;

@@ -5,11 +5,10 @@
 
 namespace tsl {
 
-HRESULT CreateContainer(UINT64 commandCode, ComPtr<ITslParamContainer>& container) {
-    ComPtr<ITslParamContainer> created;
-    HRESULT result =
-        CoCreateInstance(CLSID_TslParamContainer, /*outer=*/nullptr, CLSCTX_ALL,
-                         IID_ITslParamContainer, reinterpret_cast<void**>(created.GetAddressOf()));
+HRESULT CreateContainer(UINT64 commandCode, CComPtr<ITslParamContainer>& container) {
+    CComPtr<ITslParamContainer> created;
+    HRESULT result = CoCreateInstance(CLSID_TslParamContainer, /*outer=*/nullptr, CLSCTX_ALL,
+                                      IID_ITslParamContainer, created.PutVoid());
     if (SUCCEEDED(result)) result = created->SetCommandCode(commandCode);
     if (SUCCEEDED(result)) container = std::move(created);
     return result;

@@ -9,7 +9,7 @@ namespace tsl {
 
 // Creates an empty container stamped with the command code. Failures of the creation and of the
 // stamping are returned unchanged; the container is null then.
-HRESULT CreateContainer(UINT64 commandCode, ComPtr<ITslParamContainer>& container);
+HRESULT CreateContainer(UINT64 commandCode, CComPtr<ITslParamContainer>& container);
 
 // Sets one 32-bit number in the container. Returns what the container returns.
 HRESULT SetUi4(ITslParamContainer& container, UINT64 key, UINT32 number);

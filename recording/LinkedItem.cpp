@@ -24,20 +24,17 @@ bool AppendText(ITslParamContainer& item, UINT64 key, std::vector<std::wstring>&
     return true;
 }
 
-ComPtr<ITslParamContainer> LinkedItem(ITslParamContainer& container) {
+CComPtr<ITslParamContainer> LinkedItem(ITslParamContainer& container) {
     CVariant value;
-    ComPtr<ITslParamContainer> item;
-    if (ReadValue(container, kKeyLinkedItem, value) == S_OK && value.Get().punkVal) {
-        value.Get().punkVal->QueryInterface(IID_ITslParamContainer,
-                                            reinterpret_cast<void**>(item.GetAddressOf()));
-    }
-    return item;
+    ReadValue(container, kKeyLinkedItem, value);
+    if (value.Type() != VT_UNKNOWN) return {};
+    return QueryFor<ITslParamContainer>(value.Get().punkVal, IID_ITslParamContainer);
 }
 
 } // namespace
 
 HRESULT AppendLinkedItemValues(ITslParamContainer& container, LinkedItemValues& gathered) {
-    const ComPtr<ITslParamContainer> item = LinkedItem(container);
+    const CComPtr<ITslParamContainer> item = LinkedItem(container);
     if (!item) return S_OK;
     if (!AppendText(*item.Get(), kKeyText44, gathered.texts)) return E_INVALIDARG;
     if (!AppendText(*item.Get(), kKeyText48, gathered.texts)) return E_INVALIDARG;

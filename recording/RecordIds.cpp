@@ -13,7 +13,7 @@ namespace {
 
 HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
     if (!result) return E_POINTER;
-    ComPtr<ITslParamContainer> answer;
+    CComPtr<ITslParamContainer> answer;
     HRESULT status = CreateContainer(kCommandNextRecordId, answer);
     if (SUCCEEDED(status)) status = SetUi4(*answer.Get(), kKeyRecordId, recordId);
     return FAILED(status) ? status : PutContainer(*answer.Get(), result);

@@ -45,8 +45,8 @@ HRESULT EncodeGroup(const wchar_t* name, size_t count, std::wstring& output, boo
                     bool omitName, AppendValue appendValue) {
     if (count == 0) return E_INVALIDARG;
     if (textBefore) output += L'&';
-    if (!omitName) output.append(name).append(L"=");
-    output += L'{';
+    if (!omitName) output += name;
+    output += L"={";
     for (size_t index = 0; index < count; ++index) {
         if (index > 0) output += L',';
         appendValue(index);

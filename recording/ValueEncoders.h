@@ -1,7 +1,7 @@
 // The groups of a parameter text: one encoder per kind of value. Each appends one group, with an
 // "&" before it when the text is already non-empty, and returns S_OK; for an empty list it appends
-// nothing and returns E_INVALIDARG. With omitName only the braces and the values are written. Pure
-// functions; callable from any thread.
+// nothing and returns E_INVALIDARG. With omitName the kind's name is left out. Pure functions;
+// callable from any thread.
 #pragma once
 
 #include <windows.h>

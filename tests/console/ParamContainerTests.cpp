@@ -11,8 +11,8 @@ namespace tsl::test {
 
 namespace {
 
-ComPtr<CTslParamContainer> FilledWith(std::initializer_list<UINT64> keys) {
-    ComPtr<CTslParamContainer> container = CTslParamContainer::Create();
+CComPtr<CTslParamContainer> FilledWith(std::initializer_list<UINT64> keys) {
+    CComPtr<CTslParamContainer> container = CTslParamContainer::Create();
     for (const UINT64 key : keys) {
         CVariant value = CVariant::FromUi4(1);
         EXPECT_EQ(S_OK, container->SetValue(key, value.Address()));

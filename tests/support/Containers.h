@@ -31,11 +31,11 @@ public:
         return Set(key, MakeArray<T>(std::span<const T>(values.begin(), values.size())));
     }
 
-    ComPtr<CTslParamContainer> Get() const { return m_container; }
+    CComPtr<CTslParamContainer> Get() const { return m_container; }
     operator CTslParamContainer*() const { return m_container.Get(); }
 
 private:
-    ComPtr<CTslParamContainer> m_container;
+    CComPtr<CTslParamContainer> m_container;
 };
 
 // An action with everything that a record needs: id, name, user 7, application 3, no time.
@@ -45,7 +45,7 @@ ContainerBuilder Action(UINT32 recordId, std::wstring_view name);
 // test's. Counts its references: one is the test's own.
 class ScriptedContainer final : public ITslParamContainer {
 public:
-    explicit ScriptedContainer(ComPtr<CTslParamContainer> inner) : m_inner(std::move(inner)) {}
+    explicit ScriptedContainer(CComPtr<CTslParamContainer> inner) : m_inner(std::move(inner)) {}
 
     // GetValue of the key returns this and leaves the value untouched.
     std::map<UINT64, HRESULT> getResults;
@@ -69,7 +69,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override;
 
 private:
-    ComPtr<CTslParamContainer> m_inner;
+    CComPtr<CTslParamContainer> m_inner;
     ULONG m_references = 1;
 };
 

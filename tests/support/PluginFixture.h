@@ -27,7 +27,7 @@ protected:
 private:
     std::optional<ComSession> m_session;
     std::optional<CPluginLibrary> m_library;
-    ComPtr<ITslPluginDb2> m_plugin;
+    CComPtr<ITslPluginDb2> m_plugin;
 };
 
 } // namespace tsl::test
