@@ -30,7 +30,8 @@ bool FileExists(const std::wstring& path) noexcept;
 bool FolderExists(const std::wstring& path);
 
 // Creates the folder with all its missing parents; only the folder itself gets the security
-// attributes. True when the folder exists afterwards, whoever made it.
+// attributes. True when the folder exists afterwards, whoever made it. A root, or a folder right
+// below one, is made by CreateDirectoryW without the attributes, and its result is given as it is.
 bool CreateFolderTree(const std::wstring& path, SECURITY_ATTRIBUTES* attributes = nullptr);
 
 // Path of a module's file, however long. False, with an empty path, when it cannot be had.

@@ -14,8 +14,8 @@ public:
     CItemList(const CItemList&) = delete;
     CItemList& operator=(const CItemList&) = delete;
     ~CItemList() {
-        ComPtr<IMalloc> allocator;
-        if (m_items && SUCCEEDED(SHGetMalloc(&allocator))) allocator->Free(m_items);
+        CComPtr<IMalloc> allocator;
+        if (m_items && SUCCEEDED(SHGetMalloc(allocator.Put()))) allocator->Free(m_items);
     }
 
     LPITEMIDLIST* Address() noexcept { return &m_items; }
