@@ -1,0 +1,84 @@
+#include "tests/integration/PeFile.h"
+
+#include <stdexcept>
+
+namespace tsl::test {
+
+PeFile::PeFile(const std::filesystem::path& path) : m_bytes(ReadBytes(path)) {
+    m_headers = static_cast<size_t>(At<IMAGE_DOS_HEADER>(0).e_lfanew);
+    const auto& headers = At<IMAGE_NT_HEADERS64>(m_headers);
+    if (headers.Signature != IMAGE_NT_SIGNATURE ||
+        headers.OptionalHeader.Magic != IMAGE_NT_OPTIONAL_HDR64_MAGIC) {
+        throw std::runtime_error("no 64-bit PE file");
+    }
+}
+
+template <class T>
+const T& PeFile::At(size_t offset) const {
+    if (m_bytes.size() < sizeof(T) || offset > m_bytes.size() - sizeof(T)) {
+        throw std::runtime_error("PE file is cut short");
+    }
+    return *reinterpret_cast<const T*>(m_bytes.data() + offset);
+}
+
+// Where in the file the image's address lies.
+size_t PeFile::OffsetOf(DWORD address) const {
+    const auto& headers = At<IMAGE_NT_HEADERS64>(m_headers);
+    const size_t sections = m_headers + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
+                            headers.FileHeader.SizeOfOptionalHeader;
+    for (size_t index = 0; index < headers.FileHeader.NumberOfSections; ++index) {
+        const auto& section =
+            At<IMAGE_SECTION_HEADER>(sections + index * sizeof(IMAGE_SECTION_HEADER));
+        if (address >= section.VirtualAddress &&
+            address - section.VirtualAddress < section.SizeOfRawData) {
+            return section.PointerToRawData + (address - section.VirtualAddress);
+        }
+    }
+    throw std::runtime_error("address outside of every section");
+}
+
+std::string PeFile::Text(DWORD address) const {
+    std::string text;
+    for (size_t offset = OffsetOf(address); At<char>(offset) != '\0'; ++offset)
+        text += At<char>(offset);
+    return text;
+}
+
+IMAGE_DATA_DIRECTORY PeFile::Directory(size_t index) const {
+    return At<IMAGE_NT_HEADERS64>(m_headers).OptionalHeader.DataDirectory[index];
+}
+
+template <class Descriptor>
+void PeFile::AddModules(size_t directory, DWORD Descriptor::*name,
+                        std::vector<std::string>& modules) const {
+    const DWORD address = Directory(directory).VirtualAddress;
+    if (address == 0) return;
+    for (size_t offset = OffsetOf(address); At<Descriptor>(offset).*name != 0;
+         offset += sizeof(Descriptor)) {
+        modules.push_back(Text(At<Descriptor>(offset).*name));
+    }
+}
+
+std::vector<std::string> PeFile::ImportedModules() const {
+    std::vector<std::string> modules;
+    AddModules(IMAGE_DIRECTORY_ENTRY_IMPORT, &IMAGE_IMPORT_DESCRIPTOR::Name, modules);
+    AddModules(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT, &IMAGE_DELAYLOAD_DESCRIPTOR::DllNameRVA,
+               modules);
+    return modules;
+}
+
+std::vector<std::string> PeFile::ExportedNames() const {
+    std::vector<std::string> names;
+    const DWORD address = Directory(IMAGE_DIRECTORY_ENTRY_EXPORT).VirtualAddress;
+    if (address == 0) return names;
+    const auto& exports = At<IMAGE_EXPORT_DIRECTORY>(OffsetOf(address));
+    if (exports.NumberOfFunctions != exports.NumberOfNames) {
+        throw std::runtime_error("an export has no name");
+    }
+    for (DWORD index = 0; index < exports.NumberOfNames; ++index) {
+        names.push_back(Text(At<DWORD>(OffsetOf(exports.AddressOfNames) + index * sizeof(DWORD))));
+    }
+    return names;
+}
+
+} // namespace tsl::test

@@ -1,0 +1,35 @@
+// Reads the import and export tables out of a 64-bit PE file, without loading it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tests/support/StoreFixture.h"
+
+namespace tsl::test {
+
+class PeFile {
+public:
+    // Throws std::runtime_error when the file is no 64-bit PE file.
+    explicit PeFile(const std::filesystem::path& path);
+
+    // Names of the DLLs that it imports from, at its load or on first use.
+    std::vector<std::string> ImportedModules() const;
+    // Names that it exports. Throws when it exports anything without a name.
+    std::vector<std::string> ExportedNames() const;
+
+private:
+    template <class T>
+    const T& At(size_t offset) const;
+    size_t OffsetOf(DWORD address) const;
+    std::string Text(DWORD address) const;
+    IMAGE_DATA_DIRECTORY Directory(size_t index) const;
+    template <class Descriptor>
+    void AddModules(size_t directory, DWORD Descriptor::*name,
+                    std::vector<std::string>& modules) const;
+
+    Bytes m_bytes;
+    size_t m_headers = 0;
+};
+
+} // namespace tsl::test

@@ -1,0 +1,61 @@
+// Base of the tests that write records or issue ids: one store with the engine, nothing on disk.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <thread>
+
+#include "store/ActionLogStore.h"
+#include "tests/support/FileDatabase.h"
+#include "tests/support/StoreFixture.h"
+
+namespace tsl::test {
+
+class RecordStoreTest : public StoreTest {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(StoreTest::SetUp());
+        m_store.emplace(GetModuleHandleW(nullptr));
+        m_store->SelectTable(kTablePrefix, kActionLogTable);
+        m_store->SetLogKind(1);
+        ASSERT_NE(nullptr, m_store->Engine());
+    }
+    void TearDown() override {
+        m_store.reset();
+        StoreTest::TearDown();
+    }
+
+    CActionLogStore& Store() { return *m_store; }
+
+    // The single value that a query of the action log yields.
+    static std::string Logged(const std::string& sql) {
+        return FileDatabase(ActionLogPath()).Value(sql);
+    }
+    static std::string RowCount() { return Logged("SELECT COUNT(*) FROM TslIf_DbActionLog"); }
+
+private:
+    std::optional<CActionLogStore> m_store;
+};
+
+// Whether a named mutex can be had at once by another thread, which gives it back.
+inline bool IsFree(const wchar_t* mutexName) {
+    bool free = false;
+    std::thread([&] {
+        const CHandle mutex(CreateMutexW(nullptr, /*initialOwner=*/FALSE, mutexName));
+        free = WaitForSingleObject(mutex.Get(), 0) == WAIT_OBJECT_0;
+        if (free) ReleaseMutex(mutex.Get());
+    }).join();
+    return free;
+}
+
+class StopWatch {
+public:
+    double Seconds() const {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+};
+
+} // namespace tsl::test
