@@ -68,7 +68,7 @@ CTransaction::~CTransaction() {
 
 int CTransaction::Begin() {
     const int result = ExecuteStatement(m_database, L"BEGIN IMMEDIATE");
-    m_open = result == kSqliteOk;
+    if (result == kSqliteOk) m_open = true;
     return result;
 }
 

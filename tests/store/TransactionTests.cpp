@@ -1,0 +1,108 @@
+// Transactions on a file that others read and write too.
+#include <optional>
+
+#include "store/Database.h"
+#include "tests/support/FileDatabase.h"
+#include "tests/support/StoreFixture.h"
+
+namespace tsl::test {
+
+namespace {
+
+constexpr int kBusy = 5;
+
+class Transaction : public StoreTest {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(StoreTest::SetUp());
+        MakeStoreFolder();
+        FileDatabase(ActionLogPath(), /*create=*/true).Query("CREATE TABLE t (a INTEGER)");
+        ASSERT_EQ(S_OK, m_engine.Load(GetModuleHandleW(nullptr), /*initializeOnly=*/false));
+        ASSERT_EQ(kSqliteOk, m_database.Open(m_engine, ActionLogPath().wstring()));
+    }
+    void TearDown() override {
+        m_database.Close();
+        StoreTest::TearDown();
+    }
+
+    int Insert() { return ExecuteStatement(m_database, L"INSERT INTO t VALUES (1)"); }
+    static std::string Count() {
+        return FileDatabase(ActionLogPath()).Value("SELECT COUNT(*) FROM t");
+    }
+
+    SqliteApi m_engine;
+    CDatabase m_database;
+};
+
+} // namespace
+
+TEST_F(Transaction, KeepsWhatIsCommitted) {
+    {
+        CTransaction transaction(m_database);
+        ASSERT_EQ(kSqliteOk, transaction.Begin());
+        ASSERT_EQ(kSqliteOk, Insert());
+        ASSERT_EQ(kSqliteOk, transaction.Commit());
+    }
+    EXPECT_EQ("1", Count());
+}
+
+TEST_F(Transaction, ThatGoesWithoutACommitIsRolledBack) {
+    {
+        CTransaction transaction(m_database);
+        ASSERT_EQ(kSqliteOk, transaction.Begin());
+        ASSERT_EQ(kSqliteOk, Insert());
+    }
+    EXPECT_EQ("0", Count());
+    EXPECT_EQ(kSqliteOk, Insert()) << "the connection is not free for the next statement";
+    EXPECT_EQ("1", Count());
+}
+
+TEST_F(Transaction, ThatWasNeverBegunLeavesOthersAlone) {
+    ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"BEGIN"));
+    ASSERT_EQ(kSqliteOk, Insert());
+    { const CTransaction transaction(m_database); }
+    ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"COMMIT"));
+    EXPECT_EQ("1", Count());
+}
+
+TEST_F(Transaction, TellsABusyFileAtItsBegin) {
+    const FileDatabase other(ActionLogPath());
+    other.Query("BEGIN IMMEDIATE");
+    CTransaction transaction(m_database);
+    EXPECT_EQ(kBusy, transaction.Begin());
+    other.Query("COMMIT");
+    EXPECT_EQ(kSqliteOk, transaction.Begin());
+}
+
+TEST_F(Transaction, TakesTheWriteLockAtOnce) {
+    CTransaction transaction(m_database);
+    ASSERT_EQ(kSqliteOk, transaction.Begin());
+    const FileDatabase other(ActionLogPath());
+    EXPECT_THROW(other.Query("BEGIN IMMEDIATE"), std::runtime_error);
+    EXPECT_EQ("0", other.Value("SELECT COUNT(*) FROM t")) << "readers are kept out too";
+}
+
+TEST_F(Transaction, WhoseCommitFailsIsRolledBack) {
+    const FileDatabase other(ActionLogPath());
+    {
+        CTransaction transaction(m_database);
+        ASSERT_EQ(kSqliteOk, transaction.Begin());
+        ASSERT_EQ(kSqliteOk, Insert());
+        other.Query("BEGIN");
+        ASSERT_EQ("0", other.Value("SELECT COUNT(*) FROM t"));
+        EXPECT_EQ(kBusy, transaction.Commit()) << "a reader does not hold the commit up";
+    }
+    other.Query("COMMIT");
+    EXPECT_EQ("0", Count());
+    EXPECT_EQ(kSqliteOk, Insert());
+}
+
+TEST_F(Transaction, IsUndoneWhenTheConnectionIsClosed) {
+    ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"BEGIN IMMEDIATE"));
+    ASSERT_EQ(kSqliteOk, Insert());
+    m_database.Close();
+    EXPECT_FALSE(m_database);
+    EXPECT_EQ("0", Count());
+}
+
+} // namespace tsl::test
