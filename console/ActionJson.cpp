@@ -67,12 +67,13 @@ void ReadList(const Json& object, const char* member, std::optional<std::vector<
     if (found == object.end()) return;
     if (!found->is_array()) Refuse(member, "an array");
     target.emplace();
-    for (const Json& value : *found) target->push_back(convert(value, member));
+    for (const Json& value : *found)
+        target->push_back(convert(value, member));
 }
 
-constexpr std::string_view kValueMembers[] = {
-    "ullValues",    "usValues",         "intValues",  "boolValues",
-    "stringValues", "moreStringValues", "floatValues"};
+constexpr std::string_view kValueMembers[] = {"ullValues",  "usValues",     "intValues",
+                                              "boolValues", "stringValues", "moreStringValues",
+                                              "floatValues"};
 
 void ReadValues(const Json& object, ActionValues& values) {
     ReadList(object, "ullValues", values.ullValues, ToInteger<ULONGLONG>);

@@ -1,5 +1,5 @@
-// The commands of the console host: each adds itself to the command line and carries itself out when
-// it is chosen.
+// The commands of the console host: each adds itself to the command line and carries itself out
+// when it is chosen.
 #pragma once
 
 #include <CLI/CLI.hpp>

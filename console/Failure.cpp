@@ -16,7 +16,9 @@ struct KnownResult {
     const char* meaning;
 };
 
-constexpr HRESULT Code(unsigned long code) { return static_cast<HRESULT>(code); }
+constexpr HRESULT Code(unsigned long code) {
+    return static_cast<HRESULT>(code);
+}
 
 // What the component answers, as far as it means more than "denied or I/O".
 constexpr KnownResult kKnownResults[] = {
@@ -31,7 +33,8 @@ constexpr KnownResult kKnownResults[] = {
     {Code(0x8004160C), ExitCode::Denied, "the disk is full"},
     {Code(0x8004160D), ExitCode::Denied, "the database cannot be opened"},
     {Code(0x80041619), ExitCode::Damaged, "the file is no database"},
-    {HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION), ExitCode::Locked, "another program uses the file"},
+    {HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION), ExitCode::Locked,
+     "another program uses the file"},
     {HRESULT_FROM_WIN32(ERROR_LOCK_VIOLATION), ExitCode::Locked, "another program locks the file"},
 };
 
@@ -45,11 +48,10 @@ const KnownResult* Find(HRESULT result) noexcept {
 // What the system says about a code; empty when it knows nothing.
 std::string SystemMeaning(HRESULT result) {
     wchar_t* text = nullptr;
-    const DWORD length =
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                           FORMAT_MESSAGE_IGNORE_INSERTS,
-                       /*source=*/nullptr, static_cast<DWORD>(result), /*languageId=*/0,
-                       reinterpret_cast<wchar_t*>(&text), 0, /*arguments=*/nullptr);
+    const DWORD length = FormatMessageW(
+        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+        /*source=*/nullptr, static_cast<DWORD>(result), /*languageId=*/0,
+        reinterpret_cast<wchar_t*>(&text), 0, /*arguments=*/nullptr);
     const LocalMemory<wchar_t> owned(text);
     std::wstring_view meaning(text ? text : L"", length);
     while (!meaning.empty() && (meaning.back() <= L' ' || meaning.back() == L'.')) {
@@ -66,8 +68,8 @@ ExitCode ExitCodeFor(HRESULT result) noexcept {
 } // namespace
 
 CFailure::CFailure(const std::string& operation, const std::wstring& file, HRESULT result)
-    : CFailure(ExitCodeFor(result), operation + " " + ToUtf8(file) + ": " + DescribeResult(result)) {
-}
+    : CFailure(ExitCodeFor(result),
+               operation + " " + ToUtf8(file) + ": " + DescribeResult(result)) {}
 
 std::string DescribeResult(HRESULT result) {
     char code[16];

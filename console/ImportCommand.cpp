@@ -60,8 +60,7 @@ ImportCounts ImportLines(std::istream& input, const std::string& name, CHostSess
 }
 
 void PrintSummary(const ImportCounts& counts, double seconds, bool json) {
-    const double perSecond =
-        seconds > 0.0 ? static_cast<double>(counts.recorded) / seconds : 0.0;
+    const double perSecond = seconds > 0.0 ? static_cast<double>(counts.recorded) / seconds : 0.0;
     const auto rate = static_cast<UINT64>(perSecond + 0.5);
     if (json) {
         const nlohmann::ordered_json summary = {
@@ -81,8 +80,7 @@ ExitCode Import(const std::string& file, const CommandContext& context) {
     }
     CHostSession session(context.pluginPath);
     const auto start = std::chrono::steady_clock::now();
-    const ImportCounts counts =
-        ImportLines(opened.is_open() ? opened : std::cin, file, session);
+    const ImportCounts counts = ImportLines(opened.is_open() ? opened : std::cin, file, session);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     PrintSummary(counts, taken.count(), context.json);
     return counts.bad > 0 ? ExitCode::PartlyDone : ExitCode::Fine;

@@ -1,4 +1,5 @@
-// What the console host writes: UTF-8, results to the standard output, the rest to the error output.
+// What the console host writes: UTF-8, results to the standard output, the rest to the error
+// output.
 #pragma once
 
 #include <string_view>

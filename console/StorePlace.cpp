@@ -22,8 +22,7 @@ std::wstring StoreFile(const wchar_t* name) {
 
 std::wstring ProgramFolder() {
     std::vector<wchar_t> path(0x8000); // longer than any path
-    const DWORD length =
-        GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
     const std::wstring program(path.data(), length);
     return program.substr(0, program.rfind(L'\\') + 1);
 }
@@ -32,8 +31,14 @@ std::wstring FullPath(const std::wstring& path) {
     return std::filesystem::absolute(path).wstring();
 }
 
-std::wstring CounterFilePath() { return StoreFile(L"actionLog.txt"); }
-std::wstring ActionLogPath() { return StoreFile(L"ualog.db"); }
-std::wstring ReplayLogPath() { return StoreFile(L"uareplay.db"); }
+std::wstring CounterFilePath() {
+    return StoreFile(L"actionLog.txt");
+}
+std::wstring ActionLogPath() {
+    return StoreFile(L"ualog.db");
+}
+std::wstring ReplayLogPath() {
+    return StoreFile(L"uareplay.db");
+}
 
 } // namespace tsl

@@ -1,4 +1,5 @@
-// tslhost: a small host that drives the component from the command line, through its interface only.
+// tslhost: a small host that drives the component from the command line, through its interface
+// only.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -31,7 +32,8 @@ ExitCode Run() {
     app.fallthrough();
     std::string plugin;
     app.add_flag("--json", context.json, "Print JSON instead of text");
-    app.add_option("--plugin", plugin, "Path of TslIfDbActionLog.dll; default: beside this program");
+    app.add_option("--plugin", plugin,
+                   "Path of TslIfDbActionLog.dll; default: beside this program");
     app.parse_complete_callback([&] { context.pluginPath = ToUtf16(plugin); });
     AddIdCommand(app, context);
     AddRecordCommand(app, context);

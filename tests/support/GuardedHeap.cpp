@@ -47,8 +47,7 @@ void* Allocate(std::size_t size) {
     const std::size_t blockSize = RoundUp(size, kAlignment);
     const std::size_t committed = RoundUp(sizeof(Header) + blockSize, kPageSize);
     if (committed < size) throw std::bad_alloc();
-    void* const reserved =
-        VirtualAlloc(nullptr, committed + kPageSize, MEM_RESERVE, PAGE_NOACCESS);
+    void* const reserved = VirtualAlloc(nullptr, committed + kPageSize, MEM_RESERVE, PAGE_NOACCESS);
     if (!reserved) throw std::bad_alloc();
     auto* const region = static_cast<unsigned char*>(reserved);
     if (!VirtualAlloc(region, committed, MEM_COMMIT, PAGE_READWRITE)) {
@@ -81,9 +80,21 @@ void Free(void* block) noexcept {
 
 } // namespace
 
-void* operator new(std::size_t size) { return Allocate(size); }
-void* operator new[](std::size_t size) { return Allocate(size); }
-void operator delete(void* block) noexcept { Free(block); }
-void operator delete[](void* block) noexcept { Free(block); }
-void operator delete(void* block, std::size_t) noexcept { Free(block); }
-void operator delete[](void* block, std::size_t) noexcept { Free(block); }
+void* operator new(std::size_t size) {
+    return Allocate(size);
+}
+void* operator new[](std::size_t size) {
+    return Allocate(size);
+}
+void operator delete(void* block) noexcept {
+    Free(block);
+}
+void operator delete[](void* block) noexcept {
+    Free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    Free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    Free(block);
+}
