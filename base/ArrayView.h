@@ -40,6 +40,16 @@ struct VariantTraits<BSTR> {
     static constexpr auto kMember = &VARIANT::bstrVal;
 };
 template <>
+struct VariantTraits<IUnknown*> {
+    static constexpr VARTYPE kType = VT_UNKNOWN;
+    static constexpr auto kMember = &VARIANT::punkVal;
+};
+template <>
+struct VariantTraits<ULONG> {
+    static constexpr VARTYPE kType = VT_UI4;
+    static constexpr auto kMember = &VARIANT::ulVal;
+};
+template <>
 struct VariantTraits<FLOAT> {
     static constexpr VARTYPE kType = VT_R4;
     static constexpr auto kMember = &VARIANT::fltVal;
@@ -84,6 +94,22 @@ inline bool ArrayHolds(SAFEARRAY* array, VARTYPE type, size_t elementSize) noexc
     return (array->fFeatures & (type == VT_BSTR ? FADF_BSTR : FADF_UNKNOWN)) != 0;
 }
 
+// The values of an array of T; E_INVALIDARG for any other array. An array that is null has none.
+// The access must live as long as the values are read.
+template <class T>
+HRESULT OpenArray(SAFEARRAY* array, VARTYPE type, CArrayAccess& access,
+                  std::span<const T>& values) noexcept {
+    values = {};
+    if (!array) return S_OK;
+    if (!ArrayHolds(array, type, sizeof(T))) return E_INVALIDARG;
+    const HRESULT opened = access.Open(array);
+    if (FAILED(opened)) return opened;
+    const ULONG count = array->rgsabound[0].cElements;
+    if (count > 0 && !access.Data()) return E_INVALIDARG;
+    values = std::span(static_cast<const T*>(access.Data()), count);
+    return S_OK;
+}
+
 // The values of a one-dimensional array of T, or of a single T, in place.
 template <class T>
 class CValueView {
@@ -100,14 +126,7 @@ public:
             return S_OK;
         }
         if (value.vt != (VT_ARRAY | type)) return E_INVALIDARG;
-        if (!value.parray) return S_OK;
-        if (!ArrayHolds(value.parray, type, sizeof(T))) return E_INVALIDARG;
-        const HRESULT opened = m_access.Open(value.parray);
-        if (FAILED(opened)) return opened;
-        const ULONG count = value.parray->rgsabound[0].cElements;
-        if (count > 0 && !m_access.Data()) return E_INVALIDARG;
-        m_values = std::span(static_cast<const T*>(m_access.Data()), count);
-        return S_OK;
+        return OpenArray(value.parray, type, m_access, m_values);
     }
 
     std::span<const T> Values() const noexcept { return m_values; }

@@ -48,13 +48,28 @@ public:
         made.m_value.lVal = number;
         return made;
     }
+    static CVariant FromUi8(UINT64 number) noexcept {
+        CVariant made;
+        made.m_value.vt = VT_UI8;
+        made.m_value.ullVal = number;
+        return made;
+    }
+    static CVariant FromBool(bool flag) noexcept {
+        CVariant made;
+        made.m_value.vt = VT_BOOL;
+        made.m_value.boolVal = flag ? VARIANT_TRUE : VARIANT_FALSE;
+        return made;
+    }
     static CVariant FromDate(DATE date) noexcept {
         CVariant made;
         made.m_value.vt = VT_DATE;
         made.m_value.date = date;
         return made;
     }
-    // A copy of the text. Throws E_OUTOFMEMORY.
+    // A copy of the text; a null pointer is an empty text. Throws E_OUTOFMEMORY.
+    static CVariant FromText(const wchar_t* text) {
+        return FromText(text ? std::wstring_view(text) : std::wstring_view());
+    }
     static CVariant FromText(std::wstring_view text) {
         CVariant made;
         made.m_value.bstrVal = AllocateBstr(text);
@@ -67,6 +82,22 @@ public:
         made.m_value.vt = VT_UNKNOWN;
         made.m_value.punkVal = pointer;
         return made;
+    }
+
+    // Takes over the array of elements of the type.
+    static CVariant FromOwnedArray(SAFEARRAY* array, VARTYPE elementType) noexcept {
+        CVariant made;
+        made.m_value.vt = static_cast<VARTYPE>(VT_ARRAY | elementType);
+        made.m_value.parray = array;
+        return made;
+    }
+
+    // Replaces what the target holds by this value, which is empty afterwards. Returns the failure
+    // of clearing the target; both stay as they were then.
+    HRESULT MoveTo(VARIANT* target) noexcept {
+        const HRESULT cleared = VariantClear(target);
+        if (SUCCEEDED(cleared)) *target = std::exchange(m_value, VARIANT{});
+        return cleared;
     }
 
     const VARIANT& Get() const noexcept { return m_value; }

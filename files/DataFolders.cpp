@@ -12,6 +12,7 @@ namespace {
 // Part of every installation's data path: not to be changed.
 constexpr std::wstring_view kCompanyFolder = L"Corvane Corporation";
 constexpr std::wstring_view kDbSubPath = L"Tessaly\\TslIfDbActionLog";
+constexpr std::wstring_view kUserIdSubPath = L"Corvane Corporation\\Tessaly\\UID\\";
 
 } // namespace
 
@@ -21,6 +22,12 @@ std::wstring DbFolder() {
     if (!folder.empty()) {
         GrantFolderAccess(LongPathPrefix(folder, /*force=*/false, /*directory=*/false));
     }
+    return folder;
+}
+
+std::wstring UserIdFolder() {
+    std::wstring folder;
+    SpecialFolderPath(CSIDL_COMMON_APPDATA, folder, kUserIdSubPath);
     return folder;
 }
 

@@ -10,4 +10,7 @@ namespace tsl {
 // opened.
 std::wstring DbFolder();
 
+// The folder of the user id list, with a trailing backslash. It is not created.
+std::wstring UserIdFolder();
+
 } // namespace tsl

@@ -51,6 +51,14 @@ INT64 CStatement::ColumnInt64(int column) const {
     return m_database.Engine().ColumnInt64(m_statement, column);
 }
 
+double CStatement::ColumnDouble(int column) const {
+    return m_database.Engine().ColumnDouble(m_statement, column);
+}
+
+const wchar_t* CStatement::ColumnText(int column) const {
+    return m_database.Engine().ColumnText(m_statement, column);
+}
+
 int ExecuteStatement(const CDatabase& database, const std::wstring& text) {
     CStatement statement(database);
     const int result = statement.Prepare(text);

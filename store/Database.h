@@ -51,7 +51,20 @@ public:
     // of the step.
     int Run();
 
+    // Calls onRow for each row, then finalizes. The result of finalizing, or of a failed step.
+    template <class OnRow>
+    int ForEachRow(OnRow onRow) {
+        int result = Step();
+        for (; result == kSqliteRow; result = Step())
+            onRow();
+        return result == kSqliteDone ? Finalize() : result;
+    }
+
+    // Columns of the row that the statement stands on.
     INT64 ColumnInt64(int column) const;
+    double ColumnDouble(int column) const;
+    // Null for SQL NULL. Lives until the next step.
+    const wchar_t* ColumnText(int column) const;
 
 private:
     const CDatabase& m_database;

@@ -48,7 +48,18 @@ inline constexpr std::array<Column, 2> kRecordIdColumns = {{
     {L"ActionLogId", L"INTEGER"},
 }};
 
+// Columns that statements name, and the places of columns in a row of all of them.
 inline constexpr wchar_t kActionLogIdColumn[] = L"ActionLogId";
+inline constexpr wchar_t kUserIdColumn[] = L"UserId";
+inline constexpr wchar_t kPluginLoggedTimeColumn[] = L"PluginLoggedTime";
+inline constexpr wchar_t kLogKindColumn[] = L"LogKind";
+inline constexpr int kActionLogIdIndex = 0;
+inline constexpr int kAppIdIndex = 2;
+inline constexpr int kUserIdIndex = 4;
+inline constexpr int kActionNameIndex = 5;
+inline constexpr int kParametersIndex = 6;
+inline constexpr int kAppLoggedTimeIndex = 7;
+inline constexpr int kPluginLoggedTimeIndex = 8;
 
 enum class TableShape { Action, RecordId };
 

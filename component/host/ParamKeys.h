@@ -18,6 +18,8 @@ constexpr VARTYPE ParamKeyType(UINT64 key) noexcept {
 }
 
 inline constexpr UINT64 kKindOrdinary = 0x02;
+inline constexpr UINT64 kKindItem = 0x04;
+inline constexpr UINT64 kKindFlag = 0x05;
 
 // A second container, that of the linked item.
 inline constexpr UINT64 kKeyLinkedItem = MakeParamKey(kKindOrdinary, 0x02, VT_UNKNOWN);
@@ -38,6 +40,30 @@ inline constexpr UINT64 kKeyStringValues = MakeParamKey(kKindOrdinary, 0x34, VT_
 inline constexpr UINT64 kKeyFloatValues = MakeParamKey(kKindOrdinary, 0x35, VT_ARRAY | VT_R4);
 inline constexpr UINT64 kKeyMoreStringValues =
     MakeParamKey(kKindOrdinary, 0x51, VT_ARRAY | VT_BSTR);
+
+// Arguments of queries and deletions. The value of kKeyRecordToTake is one VT_UI8, although its key
+// says an array.
+inline constexpr UINT64 kKeyRecordToTake = MakeParamKey(kKindOrdinary, 0x11, VT_ARRAY | VT_UI8);
+inline constexpr UINT64 kKeyStartTime = MakeParamKey(kKindOrdinary, 0x16, VT_DATE);
+inline constexpr UINT64 kKeyEndTime = MakeParamKey(kKindOrdinary, 0x17, VT_DATE);
+inline constexpr UINT64 kKeyFirstRecordId = MakeParamKey(kKindOrdinary, 0x18, VT_UI4);
+inline constexpr UINT64 kKeyLastRecordId = MakeParamKey(kKindOrdinary, 0x19, VT_UI4);
+inline constexpr UINT64 kKeyRecordIds = MakeParamKey(kKindOrdinary, 0x23, VT_ARRAY | VT_UI4);
+
+// Answers of queries, beside the fields of a record.
+inline constexpr UINT64 kKeyItemId = MakeParamKey(kKindOrdinary, 0x10, VT_UI8);
+inline constexpr UINT64 kKeyParameterText = MakeParamKey(kKindOrdinary, 0x26, VT_BSTR);
+inline constexpr UINT64 kKeyRecordFound = MakeParamKey(kKindFlag, 0x2000, VT_BOOL);
+
+// A taken record: whether its second text went to the property sink, that it was taken, three
+// numbers, its second id and its first text.
+inline constexpr UINT64 kKeyTextHandedOn = kKeyRecordFound;
+inline constexpr UINT64 kKeyTaken = MakeParamKey(kKindFlag, 0x2001, VT_BOOL);
+inline constexpr UINT64 kKeyFirstNumber = MakeParamKey(kKindItem, 0x1010, VT_I4);
+inline constexpr UINT64 kKeySecondNumber = MakeParamKey(kKindItem, 0x1011, VT_I4);
+inline constexpr UINT64 kKeySecondId = MakeParamKey(kKindItem, 0x1012, VT_UI8);
+inline constexpr UINT64 kKeyThirdNumber = MakeParamKey(kKindItem, 0x1013, VT_I4);
+inline constexpr UINT64 kKeyFirstText = MakeParamKey(kKindFlag, 0x2024, VT_BSTR);
 
 // The two texts of a linked item.
 inline constexpr UINT64 kKeyText44 = MakeParamKey(kKindOrdinary, 0x44, VT_BSTR);

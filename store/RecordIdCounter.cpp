@@ -1,0 +1,27 @@
+#include "store/RecordIdCounter.h"
+
+#include "files/DataFolders.h"
+#include "files/TextActionLog.h"
+
+namespace tsl {
+
+HRESULT ReadCounterUnderLock(CActionLogStore& store, UINT32& counter) {
+    counter = 1;
+    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
+    return ReadCounter(DbFolder() + kCounterFileName, counter);
+}
+
+void RaiseCounterForFirstId(CActionLogStore& store, UINT32 firstId) {
+    UINT32 counter = 0;
+    ReadCounterUnderLock(store, counter);
+    if (counter >= firstId) return;
+
+    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
+    const std::wstring path = DbFolder() + kCounterFileName;
+    // Others may have raised the counter since it was read.
+    if (SUCCEEDED(ReadCounter(path, counter)) && counter < firstId) {
+        WriteCounter(path, firstId - 1);
+    }
+}
+
+} // namespace tsl
