@@ -3,6 +3,8 @@
 #include "base/ComPtr.h"
 #include "component/host/CommandCodes.h"
 #include "component/host/Identities.h"
+#include "query/Deletions.h"
+#include "query/RecordQueries.h"
 #include "recording/ActionDispatch.h"
 #include "recording/RecordIds.h"
 
@@ -15,6 +17,11 @@ HRESULT RecordAction(CActionLogStore& store, ITslParamContainer* container, VARI
     return container ? DispatchAction(store, container) : S_OK;
 }
 
+HRESULT DeleteStoredRecords(CActionLogStore& store, ITslParamContainer* container,
+                            VARIANT* /*result*/) {
+    return DeleteRecords(store, container);
+}
+
 constexpr CommandMethod kNotify = CommandMethod::Notify;
 constexpr CommandMethod kRequest = CommandMethod::Request;
 constexpr CommandMethod kDelete = CommandMethod::Delete;
@@ -22,11 +29,11 @@ constexpr CommandMethod kDelete = CommandMethod::Delete;
 constexpr Command kCommands[] = {
     {kNotify, kCommandRecordAction, kActionLogTable, false, RecordAction},
     {kRequest, kCommandNextRecordId, kRecordIdTable, false, NextRecordId},
-    {kRequest, kCommandQueryIds, kActionLogTable, true, nullptr},
-    {kRequest, kCommandQueryRecords, kActionLogTable, true, nullptr},
-    {kRequest, kCommandQueryAllIds, kContentDeleteTable, true, nullptr},
-    {kRequest, kCommandTakeRecord, kContentDeleteTable, true, nullptr},
-    {kDelete, kCommandDeleteRecords, kActionLogTable, true, nullptr},
+    {kRequest, kCommandQueryIds, kActionLogTable, true, QueryRecordIds},
+    {kRequest, kCommandQueryRecords, kActionLogTable, true, QueryRecords},
+    {kRequest, kCommandQueryAllIds, kContentDeleteTable, true, QueryAllRecordIds},
+    {kRequest, kCommandTakeRecord, kContentDeleteTable, true, TakeRecord},
+    {kDelete, kCommandDeleteRecords, kActionLogTable, true, DeleteStoredRecords},
 };
 
 } // namespace
@@ -42,7 +49,6 @@ HRESULT RunCommand(const Command& command, CActionLogStore& store, IUnknown* par
                    VARIANT* result) {
     store.SelectTable(kTablePrefix, command.tableName);
     if (command.parametersRequired && !parameters) return E_POINTER;
-    if (!command.operation) return E_NOTIMPL;
     const auto container = QueryFor<ITslParamContainer>(parameters, IID_ITslParamContainer);
     return command.operation(store, container.Get(), result);
 }

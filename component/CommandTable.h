@@ -19,7 +19,7 @@ struct Command {
     UINT64 code;
     const wchar_t* tableName;
     bool parametersRequired;
-    CommandOperation operation; // null: known, but not carried out yet
+    CommandOperation operation;
 };
 
 // The row of a command; null for an unknown code.

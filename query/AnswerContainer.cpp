@@ -1,6 +1,5 @@
 #include "query/AnswerContainer.h"
 
-#include "base/Variant.h"
 #include "component/host/Identities.h"
 
 namespace tsl {
@@ -12,11 +11,6 @@ HRESULT CreateContainer(UINT64 commandCode, CComPtr<ITslParamContainer>& contain
     if (SUCCEEDED(result)) result = created->SetCommandCode(commandCode);
     if (SUCCEEDED(result)) container = std::move(created);
     return result;
-}
-
-HRESULT SetUi4(ITslParamContainer& container, UINT64 key, UINT32 number) {
-    CVariant value = CVariant::FromUi4(number);
-    return container.SetValue(key, value.Address());
 }
 
 HRESULT PutContainer(ITslParamContainer& container, VARIANT* result) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "base/ComPtr.h"
+#include "base/Variant.h"
 #include "component/host/ITslParamContainer.h"
 
 namespace tsl {
@@ -11,8 +12,23 @@ namespace tsl {
 // stamping are returned unchanged; the container is null then.
 HRESULT CreateContainer(UINT64 commandCode, CComPtr<ITslParamContainer>& container);
 
-// Sets one 32-bit number in the container. Returns what the container returns.
-HRESULT SetUi4(ITslParamContainer& container, UINT64 key, UINT32 number);
+// Sets values in their order and stops at the first that the container refuses.
+class CContainerFiller {
+public:
+    explicit CContainerFiller(ITslParamContainer& container) noexcept : m_container(container) {}
+
+    CContainerFiller& Set(UINT64 key, CVariant value) {
+        if (SUCCEEDED(m_result)) m_result = m_container.SetValue(key, value.Address());
+        return *this;
+    }
+
+    // What the container returned last.
+    HRESULT Result() const noexcept { return m_result; }
+
+private:
+    ITslParamContainer& m_container;
+    HRESULT m_result = S_OK;
+};
 
 // Hands a container to the caller of the interface, as VT_UNKNOWN with a reference of its own.
 // Replaces what the result holds. REQUIRES: the result is not null.

@@ -6,10 +6,10 @@
 
 #include "query/ContainerValues.h"
 #include "recording/LinkedItem.h"
-#include "recording/LogKinds.h"
 #include "recording/ValueEncoders.h"
 #include "recording/ValueList.h"
 #include "recording/XmlDateTime.h"
+#include "store/LogKinds.h"
 
 namespace tsl {
 
@@ -64,7 +64,7 @@ public:
     CParameterTextBuilder(ITslParamContainer& container, std::wstring& output, UINT32 logKind,
                           ActionClass actionClass)
         : m_container(container), m_output(output), m_class(actionClass),
-          m_additions(logKind == kLogKindWithLinkedItems) {
+          m_additions(logKind == kLogKindOfSystemUsers) {
         if (m_additions) AppendLinkedItemValues(container, m_linked);
     }
 

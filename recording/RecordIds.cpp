@@ -15,7 +15,9 @@ HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
     if (!result) return E_POINTER;
     CComPtr<ITslParamContainer> answer;
     HRESULT status = CreateContainer(kCommandNextRecordId, answer);
-    if (SUCCEEDED(status)) status = SetUi4(*answer.Get(), kKeyRecordId, recordId);
+    if (SUCCEEDED(status)) {
+        status = CContainerFiller(*answer).Set(kKeyRecordId, CVariant::FromUi4(recordId)).Result();
+    }
     return FAILED(status) ? status : PutContainer(*answer.Get(), result);
 }
 

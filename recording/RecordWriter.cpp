@@ -5,6 +5,7 @@
 #include "query/ContainerValues.h"
 #include "recording/ParameterText.h"
 #include "recording/XmlDateTime.h"
+#include "store/Binder.h"
 #include "store/LatestRow.h"
 #include "store/SqliteResult.h"
 
@@ -75,41 +76,11 @@ std::wstring ReplaceText(const std::wstring& table) {
     return L"REPLACE INTO " + table + L" (" + columns + L") VALUES(" + placeholders + L")";
 }
 
-// Binds the values in the order of the columns; stops at the first that the engine refuses.
-class CRowBinder {
-public:
-    explicit CRowBinder(CStatement& statement) noexcept : m_statement(statement) {}
-
-    CRowBinder& Integer(INT64 value) {
-        if (Advance()) m_result = m_statement.BindInt64(m_index, value);
-        return *this;
-    }
-    CRowBinder& Text(const wchar_t* value) {
-        if (Advance()) m_result = m_statement.BindText(m_index, value);
-        return *this;
-    }
-    CRowBinder& Real(double value) {
-        if (Advance()) m_result = m_statement.BindDouble(m_index, value);
-        return *this;
-    }
-    int Result() const noexcept { return m_result; }
-
-private:
-    bool Advance() noexcept {
-        ++m_index;
-        return m_result == kSqliteOk;
-    }
-
-    CStatement& m_statement;
-    int m_index = 0;
-    int m_result = kSqliteOk;
-};
-
 int BindRow(CStatement& statement, const ActionRecord& record) {
     constexpr INT64 kUsedLog = 0;
     constexpr double kPreLoggedTime = 0.0;
     constexpr const wchar_t* kNull = nullptr;
-    return CRowBinder(statement)
+    return CBinder(statement)
         .Integer(record.recordId)
         .Integer(kUsedLog)
         .Integer(record.appId)

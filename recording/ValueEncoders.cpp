@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "recording/PercentEncoding.h"
+#include "base/PercentEncoding.h"
 
 namespace tsl {
 

@@ -1,0 +1,56 @@
+#include "query/RangeArguments.h"
+
+#include <algorithm>
+
+#include "base/ArrayView.h"
+#include "files/UserIdList.h"
+#include "query/ContainerValues.h"
+#include "store/LogKinds.h"
+
+namespace tsl {
+
+bool HasIdRangeKey(ITslParamContainer& container) {
+    CVariant keys;
+    CValueView<ULONGLONG> view;
+    if (FAILED(container.GetKeys(keys.Address())) || FAILED(view.Open(*keys.Address()))) {
+        return false;
+    }
+    return std::ranges::any_of(view.Values(), [](ULONGLONG key) {
+        return key == kKeyFirstRecordId || key == kKeyLastRecordId;
+    });
+}
+
+HRESULT ReadBound(ITslParamContainer& container, UINT64 key, DATE& bound) {
+    CVariant value;
+    const HRESULT result = ReadValue(container, key, value);
+    if (value.Type() == VT_DATE) bound = value.Get().date;
+    return result;
+}
+
+HRESULT ReadBound(ITslParamContainer& container, UINT64 key, UINT32& bound) {
+    CVariant value;
+    const HRESULT result = ReadValue(container, key, value);
+    if (value.Type() == VT_UI4) bound = value.Get().ulVal;
+    return result;
+}
+
+HRESULT ReadUserId(ITslParamContainer& container, UINT32& userId) {
+    CVariant value;
+    const HRESULT result = ReadValue(container, kKeyUserId, value);
+    if (FAILED(result)) return result;
+    if (value.Type() != VT_UI4) return S_FALSE;
+    userId = value.Get().ulVal;
+    return S_OK;
+}
+
+HRESULT ImpliedUserId(UINT32 logKind, UINT32& userId) {
+    userId = 1;
+    if (logKind != kLogKindOfSystemUsers) return S_OK;
+    UINT64 current = 0;
+    const HRESULT result = CurrentUserId(current);
+    if (FAILED(result)) return result;
+    userId = static_cast<UINT32>(current);
+    return S_OK;
+}
+
+} // namespace tsl
