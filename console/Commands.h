@@ -19,5 +19,12 @@ struct CommandContext {
 void AddIdCommand(CLI::App& app, CommandContext& context);
 void AddRecordCommand(CLI::App& app, CommandContext& context);
 void AddImportCommand(CLI::App& app, CommandContext& context);
+void AddIdsCommand(CLI::App& app, CommandContext& context);
+void AddShowCommand(CLI::App& app, CommandContext& context);
+void AddListCommand(CLI::App& app, CommandContext& context);
+void AddAllCommand(CLI::App& app, CommandContext& context);
+void AddTakeCommand(CLI::App& app, CommandContext& context);
+void AddDeleteCommand(CLI::App& app, CommandContext& context);
+void AddWhoamiCommand(CLI::App& app, CommandContext& context);
 
 } // namespace tsl

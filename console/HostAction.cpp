@@ -8,23 +8,18 @@ namespace tsl {
 
 namespace {
 
-void Set(CTslParamContainer& container, UINT64 key, CVariant value) {
-    const HRESULT result = container.SetValue(key, value.Address());
-    if (FAILED(result)) throw CHresultError(result);
-}
-
 template <class T>
 void SetList(CTslParamContainer& container, UINT64 key, const std::optional<std::vector<T>>& list) {
-    if (list) Set(container, key, MakeArray<T>(*list));
+    if (list) SetValue(container, key, MakeArray<T>(*list));
 }
 
 void SetTexts(CTslParamContainer& container, UINT64 key,
               const std::optional<std::vector<std::wstring>>& list) {
-    if (list) Set(container, key, MakeTextArray(*list));
+    if (list) SetValue(container, key, MakeTextArray(*list));
 }
 
 void SetText(CTslParamContainer& container, UINT64 key, const std::optional<std::wstring>& text) {
-    if (text) Set(container, key, CVariant::FromText(*text));
+    if (text) SetValue(container, key, CVariant::FromText(*text));
 }
 
 void SetValues(CTslParamContainer& container, const ActionValues& values) {
@@ -42,7 +37,7 @@ void SetLinkedItem(CTslParamContainer& container, const LinkedItem& linked) {
     SetText(*item.Get(), kKeyText44, linked.text44);
     SetText(*item.Get(), kKeyText48, linked.text48);
     SetValues(*item.Get(), linked.values);
-    Set(container, kKeyLinkedItem, CVariant::FromOwnedUnknown(item.Detach()));
+    SetValue(container, kKeyLinkedItem, CVariant::FromOwnedUnknown(item.Detach()));
 }
 
 } // namespace
@@ -50,11 +45,11 @@ void SetLinkedItem(CTslParamContainer& container, const LinkedItem& linked) {
 CComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recordId) {
     const CComPtr<CTslParamContainer> container = CTslParamContainer::Create();
     container->SetCommandCode(kCommandRecordAction);
-    Set(*container.Get(), kKeyRecordId, CVariant::FromUi4(recordId));
-    Set(*container.Get(), kKeyActionName, CVariant::FromText(action.name));
-    Set(*container.Get(), kKeyAppId, CVariant::FromI4(action.app));
-    Set(*container.Get(), kKeyUserId, CVariant::FromUi4(action.user));
-    if (action.time) Set(*container.Get(), kKeyActionTime, CVariant::FromDate(*action.time));
+    SetValue(*container.Get(), kKeyRecordId, CVariant::FromUi4(recordId));
+    SetValue(*container.Get(), kKeyActionName, CVariant::FromText(action.name));
+    SetValue(*container.Get(), kKeyAppId, CVariant::FromI4(action.app));
+    SetValue(*container.Get(), kKeyUserId, CVariant::FromUi4(action.user));
+    if (action.time) SetValue(*container.Get(), kKeyActionTime, CVariant::FromDate(*action.time));
     SetValues(*container.Get(), action.values);
     if (action.linked) SetLinkedItem(*container.Get(), *action.linked);
     return container;

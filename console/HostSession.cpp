@@ -1,5 +1,6 @@
 #include "console/HostSession.h"
 
+#include "base/ArrayView.h"
 #include "base/Variant.h"
 #include "component/host/CommandCodes.h"
 #include "component/host/Identities.h"
@@ -63,6 +64,29 @@ UINT32 CHostSession::Record(const HostAction& action) {
                        ReplayLogPath(), result);
     }
     return id;
+}
+
+CHostSession::Answer CHostSession::Query(UINT64 commandCode, ITslParamContainer& arguments) {
+    CVariant answer;
+    const HRESULT result =
+        m_plugin->Request(commandCode, &arguments, /*unused=*/nullptr, answer.Address());
+    Answer containers;
+    if (result == E_INVALIDARG) return containers; // how an empty list of ids is answered
+    if (FAILED(result)) throw CFailure("cannot read", ActionLogPath(), result);
+    CValueView<IUnknown*> view;
+    if (FAILED(view.Open(*answer.Address()))) {
+        throw CFailure(ExitCode::Denied, "the component's answer is no list of containers");
+    }
+    for (IUnknown* const element : view.Values()) {
+        auto container = QueryFor<ITslParamContainer>(element, IID_ITslParamContainer);
+        if (container) containers.push_back(std::move(container));
+    }
+    return containers;
+}
+
+void CHostSession::Delete(ITslParamContainer& arguments) {
+    const HRESULT result = m_plugin->Delete(kCommandDeleteRecords, &arguments);
+    if (FAILED(result)) throw CFailure("cannot delete from", ActionLogPath(), result);
 }
 
 } // namespace tsl

@@ -4,10 +4,12 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "component/host/Identities.h"
 #include "console/ComInitialization.h"
-#include "console/ContainerClass.h"
 #include "console/HostAction.h"
+#include "console/HostClass.h"
 #include "console/PluginLibrary.h"
 
 namespace tsl {
@@ -23,10 +25,19 @@ public:
     // Takes an id for the action, reports it and returns the id.
     UINT32 Record(const HostAction& action);
 
+    // The log kind that queries and deletions go by.
+    void SetLogKind(UINT32 kind) { m_plugin->SetRecordingEnabled(kind); }
+
+    // The containers that a query answers with; none for an empty answer.
+    using Answer = std::vector<CComPtr<ITslParamContainer>>;
+    Answer Query(UINT64 commandCode, ITslParamContainer& arguments);
+
+    void Delete(ITslParamContainer& arguments);
+
 private:
     // Objects go before the library, the library before COM.
     CComInitialization m_com;
-    CContainerClassRegistration m_containerClass;
+    CHostClassRegistration m_containerClass{CLSID_TslParamContainer, CreateParamContainer};
     std::optional<CPluginLibrary> m_library;
     CComPtr<ITslPluginDb2> m_plugin;
 };

@@ -13,4 +13,7 @@ namespace tsl {
 // without an offset is UTC. Throws std::invalid_argument, also for years before 1900.
 DATE ParseIsoTime(const std::string& text);
 
+// The same the other way, with milliseconds where there are any; a number for what is no date.
+std::string FormatIsoTime(DATE time);
+
 } // namespace tsl

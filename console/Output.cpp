@@ -24,6 +24,14 @@ void PrepareOutput() {
     _setmode(_fileno(stderr), _O_BINARY);
 }
 
+size_t OutputWidth() {
+    constexpr size_t kDefaultWidth = 80;
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &screen)) return kDefaultWidth;
+    const int width = screen.srWindow.Right - screen.srWindow.Left + 1;
+    return width > 0 ? static_cast<size_t>(width) : kDefaultWidth;
+}
+
 void PrintLine(std::string_view line) {
     std::string text(line);
     Write(stdout, text.append("\n"));

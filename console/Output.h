@@ -9,6 +9,9 @@ namespace tsl {
 // Makes both streams carry the bytes as they are, and a terminal show them as UTF-8.
 void PrepareOutput();
 
+// Columns of the terminal; 80 when the results go elsewhere.
+size_t OutputWidth();
+
 // One line of results.
 void PrintLine(std::string_view line);
 

@@ -12,6 +12,15 @@ CComPtr<CTslParamContainer> CTslParamContainer::Create() {
     return CComPtr<CTslParamContainer>::FromOwned(new CTslParamContainer);
 }
 
+void SetValue(CTslParamContainer& container, UINT64 key, CVariant value) {
+    const HRESULT result = container.SetValue(key, value.Address());
+    if (FAILED(result)) throw CHresultError(result);
+}
+
+HRESULT CreateParamContainer(REFIID iid, void** result) {
+    return CTslParamContainer::Create()->QueryInterface(iid, result);
+}
+
 HRESULT CTslParamContainer::QueryInterface(REFIID iid, void** result) {
     if (!result) return E_POINTER;
     *result = nullptr;

@@ -38,4 +38,10 @@ private:
     std::map<UINT64, CVariant> m_values;
 };
 
+// Stores a value. Throws the container's failure as a CHresultError.
+void SetValue(CTslParamContainer& container, UINT64 key, CVariant value);
+
+// Creates a container for the class factory of its class.
+HRESULT CreateParamContainer(REFIID iid, void** result);
+
 } // namespace tsl

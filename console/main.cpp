@@ -38,6 +38,13 @@ ExitCode Run() {
     AddIdCommand(app, context);
     AddRecordCommand(app, context);
     AddImportCommand(app, context);
+    AddIdsCommand(app, context);
+    AddShowCommand(app, context);
+    AddListCommand(app, context);
+    AddAllCommand(app, context);
+    AddTakeCommand(app, context);
+    AddDeleteCommand(app, context);
+    AddWhoamiCommand(app, context);
     try {
         app.parse(ReversedArguments());
     } catch (const CLI::CallForHelp&) {

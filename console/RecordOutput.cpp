@@ -1,0 +1,61 @@
+#include "console/RecordOutput.h"
+
+#include <algorithm>
+#include <map>
+#include <nlohmann/json.hpp>
+
+#include "component/host/CommandCodes.h"
+#include "component/host/ParamKeys.h"
+#include "console/Arrays.h"
+#include "console/IsoTime.h"
+#include "console/Output.h"
+#include "console/Table.h"
+#include "console/Text.h"
+
+namespace tsl {
+
+std::vector<StoredRecord> FetchRecords(CHostSession& session, std::span<const UINT32> ids) {
+    if (ids.empty()) return {};
+    const CComPtr<CTslParamContainer> arguments = CTslParamContainer::Create();
+    const std::vector<ULONG> wanted(ids.begin(), ids.end());
+    SetValue(*arguments, kKeyRecordIds, MakeArray<ULONG>(wanted));
+    std::map<UINT32, StoredRecord> found;
+    for (const auto& container : session.Query(kCommandQueryRecords, *arguments)) {
+        StoredRecord record = ReadStoredRecord(*container);
+        found[record.id] = std::move(record);
+    }
+    std::vector<StoredRecord> records;
+    for (const UINT32 id : ids) {
+        const auto record = found.find(id);
+        if (record != found.end()) records.push_back(record->second);
+    }
+    return records;
+}
+
+void PrintRecords(std::span<const StoredRecord> records, bool json) {
+    if (json) {
+        for (const StoredRecord& record : records) {
+            PrintLine(
+                ToJson(record).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+        }
+        return;
+    }
+    CTable table(
+        {{"id", true}, {"time"}, {"user", true}, {"app", true}, {"action"}, {"parameters"}});
+    for (const StoredRecord& record : records) {
+        table.Add({std::to_string(record.id), FormatIsoTime(record.time),
+                   std::to_string(record.user), std::to_string(record.app), ToUtf8(record.name),
+                   ToUtf8(record.parameters)});
+    }
+    for (const std::string& line : table.Lines(OutputWidth()))
+        PrintLine(line);
+}
+
+void PrintIds(std::span<const UINT64> ids, bool json) {
+    for (const UINT64 id : ids) {
+        const std::string number = std::to_string(id);
+        PrintLine(json ? "{\"id\":" + number + "}" : number);
+    }
+}
+
+} // namespace tsl

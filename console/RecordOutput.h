@@ -1,0 +1,21 @@
+// How stored records are fetched and printed.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "console/HostSession.h"
+#include "console/StoredRecord.h"
+
+namespace tsl {
+
+// The records of the ids that are there, in the order of the ids.
+std::vector<StoredRecord> FetchRecords(CHostSession& session, std::span<const UINT32> ids);
+
+// A table that fits the terminal, or one JSON object a line.
+void PrintRecords(std::span<const StoredRecord> records, bool json);
+
+// One id a line.
+void PrintIds(std::span<const UINT64> ids, bool json);
+
+} // namespace tsl
