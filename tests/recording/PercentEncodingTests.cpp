@@ -1,5 +1,5 @@
 // Percent-encoding of texts: every reserved character both ways, and what must stay as it is.
-#include "recording/PercentEncoding.h"
+#include "base/PercentEncoding.h"
 
 #include <gtest/gtest.h>
 

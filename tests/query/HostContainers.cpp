@@ -1,0 +1,97 @@
+#include "tests/query/HostContainers.h"
+
+#include "base/Hresult.h"
+#include "component/host/Identities.h"
+#include "console/ParamContainer.h"
+
+namespace tsl::test {
+
+namespace {
+
+class CountedContainer final : public ITslParamContainer {
+public:
+    explicit CountedContainer(HostContainers& owner) : m_owner(owner) { ++m_owner.live; }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID asked, void** result) override {
+        const bool known = asked == IID_IUnknown || asked == IID_ITslParamContainer;
+        *result = known ? this : nullptr;
+        if (known) AddRef();
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG references = --m_references;
+        if (references == 0) delete this;
+        return references;
+    }
+    HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* code) override {
+        return m_values->GetCommandCode(code);
+    }
+    HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 code) override {
+        m_owner.calls.push_back(0);
+        const HRESULT step = m_owner.TakeStep();
+        return FAILED(step) ? step : m_values->SetCommandCode(code);
+    }
+    HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
+        return m_values->GetValue(key, value);
+    }
+    HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
+        m_owner.calls.push_back(key);
+        const HRESULT step = m_owner.TakeStep();
+        return FAILED(step) ? step : m_values->SetValue(key, value);
+    }
+    HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override {
+        return m_values->RemoveValue(key);
+    }
+    HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override { return m_values->GetKeys(keys); }
+
+private:
+    ~CountedContainer() { --m_owner.live; }
+
+    HostContainers& m_owner;
+    CComPtr<CTslParamContainer> m_values = CTslParamContainer::Create();
+    ULONG m_references = 1;
+};
+
+} // namespace
+
+ClassRegistration::ClassRegistration(REFCLSID clsid, IUnknown* factory) {
+    const HRESULT registered =
+        CoRegisterClassObject(clsid, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &m_cookie);
+    if (FAILED(registered)) throw CHresultError(registered);
+}
+
+ClassRegistration::~ClassRegistration() {
+    CoRevokeClassObject(m_cookie);
+}
+
+void HostContainers::Restart(std::map<int, HRESULT> chosenFailures) {
+    failures = std::move(chosenFailures);
+    steps = 0;
+    created = 0;
+    calls.clear();
+}
+
+HRESULT HostContainers::TakeStep() {
+    const auto failure = failures.find(++steps);
+    return failure == failures.end() ? S_OK : failure->second;
+}
+
+HRESULT HostContainers::QueryInterface(REFIID asked, void** result) {
+    const bool known = asked == IID_IUnknown || asked == IID_IClassFactory;
+    *result = known ? this : nullptr;
+    return known ? S_OK : E_NOINTERFACE;
+}
+
+HRESULT HostContainers::CreateInstance(IUnknown* outerObject, REFIID asked, void** result) {
+    *result = nullptr;
+    outer = outerObject;
+    iid = asked;
+    const HRESULT step = TakeStep();
+    if (FAILED(step)) return step;
+    ++created;
+    return CComPtr<CountedContainer>::FromOwned(new CountedContainer(*this))
+        ->QueryInterface(asked, result);
+}
+
+} // namespace tsl::test
