@@ -163,14 +163,6 @@ TEST_F(CommandTable, QueriesAndDeletionWithoutParametersFail) {
     EXPECT_EQ(E_POINTER, Call(Method::Delete, 0x0400000a01000000, nullptr));
 }
 
-// To be replaced by tests of what they do, once they do it.
-TEST_F(CommandTable, QueriesAndDeletionAreKnownButNotCarriedOutYet) {
-    const ContainerBuilder parameters;
-    for (const UINT64 query : kQueries)
-        EXPECT_EQ(E_NOTIMPL, Call(Method::Request, query, parameters));
-    EXPECT_EQ(E_NOTIMPL, Call(Method::Delete, 0x0400000a01000000, parameters));
-}
-
 TEST_F(CommandTable, ThirdArgumentOfRequestIsNotRead) {
     const ContainerBuilder parameters;
     CVariant answer;
