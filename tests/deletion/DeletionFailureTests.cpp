@@ -1,1 +1,155 @@
-#include "tests/support/StoreFixture.h"
+// Databases in which nothing can be deleted: the answer of each form, and what is left behind.
+#include "tests/deletion/DeletionFixture.h"
+#include "tests/integration/ProcessMeasures.h"
+
+namespace tsl::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr HRESULT kEngineError = static_cast<HRESULT>(0x80041600);
+constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
+constexpr HRESULT kEngineReadOnly = static_cast<HRESULT>(0x80041607);
+constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
+constexpr HRESULT kEngineConstraint = static_cast<HRESULT>(0x80041612);
+constexpr HRESULT kEngineNotADatabase = static_cast<HRESULT>(0x80041619);
+
+} // namespace
+
+class DeletionFailure : public DeletionTest {
+protected:
+    // The range of ids hides what went wrong, the two other forms tell it.
+    void ExpectFailure(HRESULT result) {
+        EXPECT_EQ(result, Delete(OneRecord()));
+        EXPECT_EQ(E_POINTER, Delete(IdRange()));
+        EXPECT_EQ(result, Delete(TimeRange()));
+        ExpectLocksAreFree();
+    }
+    void ExpectAllAreLeftAndCanBeDeleted() {
+        EXPECT_EQ("1 2 3 4", Left());
+        EXPECT_EQ(S_OK, Delete(OneRecord()));
+        EXPECT_EQ("1 3 4", Left());
+        EXPECT_EQ(S_OK, Delete(IdRange(4)));
+        EXPECT_EQ("1 3", Left());
+        EXPECT_EQ(S_OK, Delete(TimeRange()));
+        EXPECT_EQ("", Left());
+    }
+};
+
+TEST_F(DeletionFailure, OfADamagedFileLeavesItAsItIs) {
+    MakeStoreFolder();
+    const Bytes damaged(4096, 0xA5);
+    WriteBytes(ActionLogPath(), damaged);
+    ExpectFailure(kEngineNotADatabase);
+    EXPECT_EQ(damaged, ReadBytes(ActionLogPath()));
+}
+
+TEST_F(DeletionFailure, OfAFolderInPlaceOfTheFileIsOneOfTheOpen) {
+    fs::create_directories(ActionLogPath());
+    ExpectFailure(kEngineCannotOpen);
+    EXPECT_TRUE(fs::is_directory(ActionLogPath()));
+}
+
+TEST_F(DeletionFailure, OfAFileInPlaceOfTheFolderIsOneOfTheOpen) {
+    fs::create_directories(StoreFolder().parent_path());
+    WriteBytes(StoreFolder(), {'x'});
+    ExpectFailure(kEngineCannotOpen);
+    EXPECT_EQ(Bytes({'x'}), ReadBytes(StoreFolder()));
+    fs::remove(StoreFolder());
+}
+
+TEST_F(DeletionFailure, OfTheOpenComesBeforeAMissingUser) {
+    fs::create_directories(ActionLogPath());
+    EXPECT_EQ(E_POINTER, Delete(ContainerBuilder().Ui4(kKeyFirstRecordId, 1)));
+    EXPECT_EQ(kEngineCannotOpen, Delete(ContainerBuilder()));
+}
+
+TEST_F(DeletionFailure, OfATableWithOtherColumnsIsOneOfThePrepare) {
+    MakeStoreFolder();
+    FileDatabase(ActionLogPath(), /*create=*/true).Query("CREATE TABLE TslIf_DbActionLog (Other)");
+    ExpectFailure(kEngineError);
+}
+
+TEST_F(DeletionFailure, OfAViewInPlaceOfTheTableIsOneOfThePrepare) {
+    Prepare(kFourDays);
+    FileDatabase(ActionLogPath())
+        .Query("ALTER TABLE TslIf_DbActionLog RENAME TO Kept;"
+               "CREATE VIEW TslIf_DbActionLog AS SELECT * FROM Kept");
+    ExpectFailure(kEngineError);
+    EXPECT_EQ(4, CountRows(ActionLogPath(), "Kept"));
+}
+
+TEST_F(DeletionFailure, OfABusyDatabaseIsTold) {
+    Prepare(kFourDays);
+    for (const char* begin : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE"}) {
+        SCOPED_TRACE(begin);
+        const FileDatabase other(ActionLogPath());
+        other.Query(begin);
+        ExpectFailure(kEngineBusy);
+        other.Query("ROLLBACK");
+    }
+    ExpectAllAreLeftAndCanBeDeleted();
+}
+
+TEST_F(DeletionFailure, OfAStepKeepsTheRows) {
+    Prepare(kFourDays);
+    FileDatabase(ActionLogPath())
+        .Query("CREATE TRIGGER refuse BEFORE DELETE ON TslIf_DbActionLog "
+               "WHEN OLD.ActionLogId = 2 BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    ExpectFailure(kEngineConstraint);
+    EXPECT_EQ("1 2 3 4", Left()) << "a range is deleted as a whole or not at all";
+    FileDatabase(ActionLogPath()).Query("DROP TRIGGER refuse");
+    ExpectAllAreLeftAndCanBeDeleted();
+}
+
+TEST_F(DeletionFailure, OfAFileThatNobodyMayWriteIsTold) {
+    Prepare(kFourDays);
+    {
+        const CHandle reader(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        ASSERT_TRUE(reader);
+        ExpectFailure(kEngineReadOnly);
+    }
+    ExpectAllAreLeftAndCanBeDeleted();
+}
+
+TEST_F(DeletionFailure, OfAFileThatNobodyMayOpenIsTold) {
+    Prepare(kFourDays);
+    {
+        const CHandle owner(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, /*share=*/0, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        ASSERT_TRUE(owner);
+        ExpectFailure(kEngineCannotOpen);
+    }
+    ExpectAllAreLeftAndCanBeDeleted();
+}
+
+TEST_F(DeletionFailure, DoesNotComeFromAnEmptyStore) {
+    EXPECT_EQ(S_OK, Delete(OneRecord()));
+    EXPECT_EQ(0, CountRows(ActionLogPath(), kActionLogRows));
+    EXPECT_EQ("", Left()) << "folder, file and table are made";
+    EXPECT_EQ(S_OK, Delete(IdRange()));
+    EXPECT_EQ(S_OK, Delete(TimeRange()));
+}
+
+TEST_F(DeletionFailure, LeavesNoHandleBehind) {
+    const auto runAll = [&] {
+        Prepare(kFourDays);
+        Delete(OneRecord());
+        Delete(IdRange(4));
+        Delete(ContainerBuilder());
+        const FileDatabase other(ActionLogPath());
+        other.Query("BEGIN EXCLUSIVE");
+        ExpectFailure(kEngineBusy);
+        other.Query("ROLLBACK");
+        Delete(TimeRange());
+    };
+    runAll();
+    const int before = CountHandles();
+    for (int round = 0; round < 10; ++round)
+        runAll();
+    EXPECT_EQ(before, CountHandles());
+}
+
+} // namespace tsl::test

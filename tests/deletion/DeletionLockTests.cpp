@@ -1,1 +1,154 @@
-#include "tests/support/StoreFixture.h"
+// The lock of the databases around a deletion: taken, waited for no longer than it may, given back.
+#include <chrono>
+#include <map>
+#include <memory>
+#include <thread>
+
+#include "tests/deletion/DeletionFixture.h"
+#include "tests/support/MutexHolder.h"
+
+namespace tsl::test {
+
+namespace {
+
+// Notes for each key that is read whether another thread could have the lock.
+class LockWatchingContainer final : public ITslParamContainer {
+public:
+    explicit LockWatchingContainer(CComPtr<CTslParamContainer> values)
+        : m_values(std::move(values)) {}
+
+    std::map<UINT64, bool> lockWasFree;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
+        const HRESULT known = m_values->QueryInterface(iid, result);
+        if (SUCCEEDED(known)) {
+            m_values->Release();
+            *result = static_cast<ITslParamContainer*>(this);
+        }
+        return known;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* commandCode) override {
+        return m_values->GetCommandCode(commandCode);
+    }
+    HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 commandCode) override {
+        return m_values->SetCommandCode(commandCode);
+    }
+    HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
+        lockWasFree[key] = MutexIsFree(kSqliteAccessLock);
+        return m_values->GetValue(key, value);
+    }
+    HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
+        return m_values->SetValue(key, value);
+    }
+    HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override {
+        return m_values->RemoveValue(key);
+    }
+    HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override { return m_values->GetKeys(keys); }
+
+private:
+    CComPtr<CTslParamContainer> m_values;
+};
+
+} // namespace
+
+class DeletionLock : public DeletionTest {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(DeletionTest::SetUp());
+        Prepare(kFourDays);
+    }
+
+    double SecondsToDelete(IUnknown* container) {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(S_OK, Delete(container));
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+};
+
+TEST_F(DeletionLock, IsTakenAfterTheBoundsAndBeforeTheUser) {
+    using Reads = std::map<UINT64, bool>;
+    LockWatchingContainer ids(IdRange(4).Get());
+    EXPECT_EQ(S_OK, Delete(&ids));
+    EXPECT_EQ((Reads{{kKeyRecordToTake, true},
+                     {kKeyFirstRecordId, true},
+                     {kKeyLastRecordId, true},
+                     {kKeyUserId, false}}),
+              ids.lockWasFree);
+    LockWatchingContainer times(TimeRange().Date(kKeyStartTime, 40003).Get());
+    EXPECT_EQ(S_OK, Delete(&times));
+    EXPECT_EQ((Reads{{kKeyRecordToTake, true},
+                     {kKeyStartTime, true},
+                     {kKeyEndTime, true},
+                     {kKeyUserId, false}}),
+              times.lockWasFree);
+    EXPECT_EQ("1 2", Left());
+}
+
+TEST_F(DeletionLock, OfOneRecordNeedsNothingElseOfTheContainer) {
+    LockWatchingContainer one(OneRecord().Ui4(kKeyUserId, 7).Get());
+    EXPECT_EQ(S_OK, Delete(&one));
+    EXPECT_EQ((std::map<UINT64, bool>{{kKeyRecordToTake, true}}), one.lockWasFree);
+}
+
+TEST_F(DeletionLock, IsFreeAfterEachForm) {
+    for (const ContainerBuilder& request :
+         {OneRecord(), IdRange(4), TimeRange(), ContainerBuilder(),
+          ContainerBuilder().Ui4(kKeyFirstRecordId, 1)}) {
+        EXPECT_EQ(S_OK, Delete(request));
+        EXPECT_TRUE(MutexExists(kSqliteAccessLock));
+        EXPECT_TRUE(MutexIsFree(kSqliteAccessLock));
+        EXPECT_TRUE(NobodyHasOpen(ActionLogPath()));
+    }
+}
+
+TEST_F(DeletionLock, ThatAnotherProcessHoldsDelaysEachFormThreeSecondsOnly) {
+    const MutexHolder other(kSqliteAccessLock);
+    const struct {
+        ContainerBuilder request;
+        const char* left;
+    } cases[] = {{OneRecord(), "1 3 4"}, {IdRange(4), "1 3"}, {TimeRange(), ""}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.left);
+        const double seconds = SecondsToDelete(each.request);
+        EXPECT_GE(seconds, 2.9);
+        EXPECT_LT(seconds, 6.0);
+        EXPECT_EQ(each.left, Left());
+        EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "what was not taken is not given back";
+    }
+}
+
+TEST_F(DeletionLock, ThatComesFreeInTimeIsTaken) {
+    auto other = std::make_unique<MutexHolder>(kSqliteAccessLock);
+    std::jthread release([&] {
+        Sleep(500);
+        other.reset();
+    });
+    const double seconds = SecondsToDelete(OneRecord());
+    release.join();
+    EXPECT_GE(seconds, 0.4);
+    EXPECT_LT(seconds, 2.9);
+    EXPECT_EQ("1 3 4", Left());
+}
+
+TEST_F(DeletionLock, ThatWasAbandonedDoesNotStopTheDeletion) {
+    MutexHolder other(kSqliteAccessLock);
+    other.Kill();
+    std::thread([&] {
+        EXPECT_EQ(S_OK, Delete(OneRecord()));
+        EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "it stays with this thread";
+    }).join();
+    EXPECT_EQ("1 3 4", Left());
+    ReleasePlugin(); // the abandoned mutex goes with its last handle
+}
+
+TEST_F(DeletionLock, OfTheRecordIdsIsNotTouched) {
+    const MutexHolder other(kLogIdLock);
+    EXPECT_LT(SecondsToDelete(OneRecord()), 2.5);
+    EXPECT_LT(SecondsToDelete(IdRange(4)), 2.5);
+    EXPECT_LT(SecondsToDelete(TimeRange()), 2.5);
+    EXPECT_EQ("", Left());
+}
+
+} // namespace tsl::test

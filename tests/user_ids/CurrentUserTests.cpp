@@ -43,7 +43,6 @@ TEST_F(CurrentUser, IdFollowsThoseOfOthers) {
 }
 
 TEST_F(CurrentUser, IsOneIdForThreadsThatAskAtOnce) {
-    PrepareUserIdList(Utf16FileBytes(L""));
     std::vector<UINT64> ids(8);
     {
         std::vector<std::jthread> threads;

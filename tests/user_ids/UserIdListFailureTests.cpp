@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
+constexpr HRESULT kUserMappedFile = static_cast<HRESULT>(0x800704C8);
 
 CHandle HoldOpen(const fs::path& file, DWORD share) {
     return CHandle(CreateFileW(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
@@ -50,8 +50,8 @@ TEST_F(UserIdListFailure, LockedFileCountsAsEmpty) {
 
 TEST_F(UserIdListFailure, MissingFolderIsMade) {
     fs::remove_all(UserIdListFolder().parent_path().parent_path());
-    ExpectIdOne();
-    EXPECT_TRUE(fs::is_regular_file(UserIdListPath()));
+    EXPECT_EQ(1u, LookUp(L"S-1").id);
+    EXPECT_EQ(Utf16FileBytes(L"0x00000001\tS-1\t\r\n"), ReadBytes(UserIdListPath()));
 }
 
 TEST_F(UserIdListFailure, MissingFolderIsMadeForAWrite) {
@@ -78,10 +78,15 @@ TEST_F(UserIdListFailure, FolderInPlaceOfTheFileGivesIdOne) {
     EXPECT_TRUE(fs::is_directory(UserIdListPath()));
 }
 
+// A mapped file can be read, but not emptied. A file without write permission would do the same,
+// but that does not bind the privileged user that these tests may run as.
 TEST_F(UserIdListFailure, FileThatCannotBeWrittenStillGivesTheNextId) {
     const Bytes content = Utf16FileBytes(L"0x00000007\tS-7\t\r\n");
     PrepareUserIdList(content);
-    ASSERT_TRUE(SetFileAttributesW(UserIdListPath().c_str(), FILE_ATTRIBUTE_READONLY));
+    CHandle file = HoldOpen(UserIdListPath(), /*share=*/0);
+    const CHandle mapping(CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+    ASSERT_TRUE(mapping);
+    file = CHandle();
     const LookUpResult known = LookUp(L"S-7");
     EXPECT_TRUE(known.found);
     EXPECT_EQ(7u, known.id);
@@ -92,9 +97,8 @@ TEST_F(UserIdListFailure, FileThatCannotBeWrittenStillGivesTheNextId) {
     EXPECT_FALSE(other.found);
     EXPECT_EQ(8u, other.id) << "nothing was kept";
     EXPECT_EQ(2u, other.entries.size());
-    EXPECT_EQ(kAccessDenied, WriteUserIdList({{1, L"S-1"}}));
+    EXPECT_EQ(kUserMappedFile, WriteUserIdList({{1, L"S-1"}}));
     EXPECT_EQ(content, ReadBytes(UserIdListPath()));
-    SetFileAttributesW(UserIdListPath().c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
 TEST_F(UserIdListFailure, LeavesTheFileClosed) {
