@@ -93,7 +93,7 @@ public:
     }
 
     // Replaces what the target holds by this value, which is empty afterwards. Returns the failure
-    // of clearing the target; both stay as they were then.
+    // of clearing the target; this value stays as it was then.
     HRESULT MoveTo(VARIANT* target) noexcept {
         const HRESULT cleared = VariantClear(target);
         if (SUCCEEDED(cleared)) *target = std::exchange(m_value, VARIANT{});

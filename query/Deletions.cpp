@@ -31,13 +31,14 @@ std::wstring RangeText(const CActionLogStore& store, const wchar_t* rangeColumn)
 // The user comes from the kind of log, never from the container.
 HRESULT DeleteOne(CActionLogStore& store, UINT64 recordId) {
     if (!store.Engine()) return E_POINTER;
+    // Before the lock is taken: finding the user may wait for another process.
+    UINT32 userId = 0;
+    const HRESULT user = ImpliedUserId(store.LogKind(), userId);
+    if (FAILED(user)) return user;
     const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
     CDatabase database;
     const HRESULT opened = store.OpenSelected(&database);
     if (FAILED(opened) || !database) return opened;
-    UINT32 userId = 0;
-    const HRESULT user = ImpliedUserId(store.LogKind(), userId);
-    if (FAILED(user)) return user;
     const int result = RunDeletion(
         database,
         L"DELETE FROM " + store.SelectedTable() + L" WHERE " + kUserIdColumn + L" = ? AND " +
