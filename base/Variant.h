@@ -19,9 +19,10 @@ inline BSTR AllocateBstr(std::wstring_view text) {
     return copy;
 }
 
-// The text of a BSTR, read in place; a null BSTR is an empty text.
+// The text of a BSTR up to its first zero, where it would end in the store too, read in place; a
+// null BSTR is an empty text.
 inline std::wstring_view BstrView(BSTR text) noexcept {
-    return text ? std::wstring_view(text, SysStringLen(text)) : std::wstring_view();
+    return text ? std::wstring_view(text) : std::wstring_view();
 }
 
 // Clears its VARIANT, and with it whatever that holds, when it goes.

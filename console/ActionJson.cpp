@@ -17,12 +17,18 @@ namespace {
 
 using Json = nlohmann::json;
 
-[[noreturn]] void Refuse(const std::string& member, const char* expected) {
-    throw std::invalid_argument("\"" + member + "\" must be " + expected);
+// What is wrong: a member in quotes, or each value of one.
+[[noreturn]] void Refuse(const std::string& what, const std::string& expected) {
+    throw std::invalid_argument(what + " must be " + expected);
+}
+
+std::string Quoted(const char* member) {
+    std::string quoted("\"");
+    return quoted.append(member).append("\"");
 }
 
 template <class Integer>
-Integer ToInteger(const Json& value, const std::string& member) {
+Integer ToInteger(const Json& value, const std::string& what) {
     using Limits = std::numeric_limits<Integer>;
     if (value.is_number_unsigned()) {
         const auto number = value.get<UINT64>();
@@ -31,25 +37,24 @@ Integer ToInteger(const Json& value, const std::string& member) {
         const auto number = value.get<INT64>();
         if (number >= static_cast<INT64>(Limits::min())) return static_cast<Integer>(number);
     }
-    Refuse(member, ("an integer from " + std::to_string(Limits::min()) + " to " +
-                    std::to_string(Limits::max()))
-                       .c_str());
+    Refuse(what, std::string("an integer from ") + std::to_string(Limits::min()) + " to " +
+                     std::to_string(Limits::max()));
 }
 
-VARIANT_BOOL ToBool(const Json& value, const std::string& member) {
-    if (!value.is_boolean()) Refuse(member, "true or false");
+VARIANT_BOOL ToBool(const Json& value, const std::string& what) {
+    if (!value.is_boolean()) Refuse(what, "true or false");
     return value.get<bool>() ? VARIANT_TRUE : VARIANT_FALSE;
 }
 
-FLOAT ToFloat(const Json& value, const std::string& member) {
+FLOAT ToFloat(const Json& value, const std::string& what) {
     if (!value.is_number() || std::abs(value.get<double>()) > std::numeric_limits<FLOAT>::max()) {
-        Refuse(member, "a 32-bit floating-point number");
+        Refuse(what, "a 32-bit floating-point number");
     }
     return value.get<FLOAT>();
 }
 
-std::wstring ToText(const Json& value, const std::string& member) {
-    if (!value.is_string()) Refuse(member, "a text");
+std::wstring ToText(const Json& value, const std::string& what) {
+    if (!value.is_string()) Refuse(what, "a text");
     return ToUtf16(value.get_ref<const std::string&>());
 }
 
@@ -57,7 +62,7 @@ std::wstring ToText(const Json& value, const std::string& member) {
 template <class T, class Convert>
 void ReadMember(const Json& object, const char* member, T& target, Convert convert) {
     const auto found = object.find(member);
-    if (found != object.end()) target = convert(*found, member);
+    if (found != object.end()) target = convert(*found, Quoted(member));
 }
 
 template <class T, class Convert>
@@ -65,10 +70,10 @@ void ReadList(const Json& object, const char* member, std::optional<std::vector<
               Convert convert) {
     const auto found = object.find(member);
     if (found == object.end()) return;
-    if (!found->is_array()) Refuse(member, "an array");
+    if (!found->is_array()) Refuse(Quoted(member), "an array");
     target.emplace();
     for (const Json& value : *found)
-        target->push_back(convert(value, member));
+        target->push_back(convert(value, std::string("each of ").append(Quoted(member))));
 }
 
 constexpr std::string_view kValueMembers[] = {"ullValues",  "usValues",     "intValues",
@@ -92,13 +97,13 @@ void RefuseOthers(const Json& object, std::initializer_list<std::string_view> kn
     };
     for (const auto& member : object.items()) {
         if (!contains(known, member.key()) && !contains(kValueMembers, member.key())) {
-            throw std::invalid_argument("\"" + member.key() + "\" is not known");
+            throw std::invalid_argument(Quoted(member.key().c_str()) + " is not known");
         }
     }
 }
 
-LinkedItem ToLinkedItem(const Json& object, const std::string& member) {
-    if (!object.is_object()) Refuse(member, "an object");
+LinkedItem ToLinkedItem(const Json& object, const std::string& what) {
+    if (!object.is_object()) Refuse(what, "an object");
     RefuseOthers(object, {"text44", "text48"});
     LinkedItem linked;
     ReadMember(object, "text44", linked.text44, ToText);
@@ -107,8 +112,8 @@ LinkedItem ToLinkedItem(const Json& object, const std::string& member) {
     return linked;
 }
 
-DATE ToTime(const Json& value, const std::string& member) {
-    if (!value.is_string()) Refuse(member, "an ISO 8601 time");
+DATE ToTime(const Json& value, const std::string& what) {
+    if (!value.is_string()) Refuse(what, "an ISO 8601 time");
     return ParseIsoTime(value.get_ref<const std::string&>());
 }
 
@@ -132,7 +137,7 @@ HostAction ParseActionLine(const std::string& line) {
     RefuseOthers(object, {"name", "app", "user", "time", "kind", "linked"});
     for (const char* const required : {"name", "app", "user"}) {
         if (!object.contains(required)) {
-            throw std::invalid_argument("\"" + std::string(required) + "\" is missing");
+            throw std::invalid_argument(Quoted(required) + " is missing");
         }
     }
     HostAction action;
@@ -141,7 +146,7 @@ HostAction ParseActionLine(const std::string& line) {
     ReadMember(object, "user", action.user, ToInteger<UINT32>);
     ReadMember(object, "time", action.time, ToTime);
     ReadMember(object, "kind", action.kind, ToInteger<UINT32>);
-    if (action.kind == 0) Refuse("kind", "at least 1: kind 0 switches recording off");
+    if (action.kind == 0) Refuse(Quoted("kind"), "at least 1: kind 0 switches recording off");
     ReadMember(object, "linked", action.linked, ToLinkedItem);
     ReadValues(object, action.values);
     return action;

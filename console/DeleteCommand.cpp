@@ -1,9 +1,11 @@
 // tslhost delete
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "component/host/ParamKeys.h"
 #include "console/Commands.h"
+#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
@@ -43,6 +45,11 @@ size_t CountSingle(CHostSession& session, const DeleteOptions& options) {
     return !records.empty() && records[0].user == user ? 1 : 0;
 }
 
+size_t Count(CHostSession& session, const DeleteOptions& options) {
+    return options.id ? CountSingle(session, options)
+                      : SelectIds(session, options.selection).size();
+}
+
 CComPtr<CTslParamContainer> Arguments(const DeleteOptions& options) {
     if (options.id) {
         CComPtr<CTslParamContainer> arguments = CTslParamContainer::Create();
@@ -76,8 +83,7 @@ ExitCode Delete(DeleteOptions options, const CommandContext& context) {
     CheckForm(options);
     if (!options.selection.kind) options.selection.kind = 1;
     CHostSession session(context.pluginPath);
-    const size_t count =
-        options.id ? CountSingle(session, options) : SelectIds(session, options.selection).size();
+    const size_t count = Count(session, options);
     if (options.dryRun || count == 0 || !options.yes) {
         Report(count, /*removed=*/false, context.json);
         if (count == 0) return ExitCode::NothingFound;
@@ -87,7 +93,9 @@ ExitCode Delete(DeleteOptions options, const CommandContext& context) {
     }
     session.SetLogKind(*options.selection.kind);
     session.Delete(*Arguments(options));
-    Report(count, /*removed=*/true, context.json);
+    // Others may write and delete meanwhile, so what is left is counted too.
+    const size_t left = Count(session, options);
+    Report(count - std::min(count, left), /*removed=*/true, context.json);
     return ExitCode::Fine;
 }
 
@@ -96,9 +104,10 @@ ExitCode Delete(DeleteOptions options, const CommandContext& context) {
 void AddDeleteCommand(CLI::App& app, CommandContext& context) {
     CLI::App* const command = app.add_subcommand("delete", "Remove records of a user and log kind");
     const auto options = std::make_shared<DeleteOptions>();
-    command->add_option("--id", options->id, "One record");
+    command->add_option("--id", options->id, "One record")->check(ANumber<UINT32>());
     AddSelectionOptions(*command, options->selection);
-    command->get_option("--user")->required()->expected(1);
+    command->get_option("--user")->required()->expected(1)->description("User id");
+    command->get_option("--kind")->description("Log kind; default: 1");
     command->add_flag("--dry-run", options->dryRun, "Only say how many records would be removed");
     command->add_flag("--yes", options->yes, "Remove them");
     command->footer("Example: tslhost delete --user 1 --until 2026-01-01T00:00:00Z --dry-run");

@@ -55,10 +55,13 @@ UINT32 CHostSession::NextRecordId() {
 }
 
 UINT32 CHostSession::Record(const HostAction& action) {
-    const UINT32 id = NextRecordId();
+    // The counter wraps around, and a record of id 0 would be skipped.
+    UINT32 id = NextRecordId();
+    if (id == 0) id = NextRecordId();
     m_plugin->SetRecordingEnabled(action.kind);
     const HRESULT result = m_plugin->Notify(kCommandRecordAction, MakeContainer(action, id).Get());
     if (FAILED(result)) {
+        // What became of the action log is not told; the record may be in it.
         throw CFailure("cannot record action " + std::to_string(id) + " (" + ToUtf8(action.name) +
                            ") in",
                        ReplayLogPath(), result);
@@ -71,7 +74,9 @@ CHostSession::Answer CHostSession::Query(UINT64 commandCode, ITslParamContainer&
     const HRESULT result =
         m_plugin->Request(commandCode, &arguments, /*unused=*/nullptr, answer.Address());
     Answer containers;
-    if (result == E_INVALIDARG) return containers; // how an empty list of ids is answered
+    // How an empty list of ids is answered.
+    const bool asksForIds = commandCode == kCommandQueryIds || commandCode == kCommandQueryAllIds;
+    if (asksForIds && result == E_INVALIDARG) return containers;
     if (FAILED(result)) throw CFailure("cannot read", ActionLogPath(), result);
     CValueView<IUnknown*> view;
     if (FAILED(view.Open(*answer.Address()))) {

@@ -20,6 +20,7 @@ void Write(std::FILE* stream, std::string_view text) {
 
 void PrepareOutput() {
     SetConsoleOutputCP(CP_UTF8);
+    _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
 }

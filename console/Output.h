@@ -6,7 +6,7 @@
 
 namespace tsl {
 
-// Makes both streams carry the bytes as they are, and a terminal show them as UTF-8.
+// Makes all streams carry the bytes as they are, and a terminal show them as UTF-8.
 void PrepareOutput();
 
 // Columns of the terminal; 80 when the results go elsewhere.

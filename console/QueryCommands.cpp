@@ -5,6 +5,7 @@
 #include "component/host/CommandCodes.h"
 #include "component/host/ParamKeys.h"
 #include "console/Commands.h"
+#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
@@ -95,7 +96,7 @@ void AddIdsCommand(CLI::App& app, CommandContext& context) {
 void AddShowCommand(CLI::App& app, CommandContext& context) {
     CLI::App* const command = app.add_subcommand("show", "Show records by their ids");
     const auto ids = std::make_shared<std::vector<UINT32>>();
-    command->add_option("ID", *ids, "Record ids")->required();
+    command->add_option("ID", *ids, "Record ids")->required()->check(ANumber<UINT32>());
     command->footer("Example: tslhost show 17 18 --json");
     command->callback([&context, ids] { context.exitCode = Show(*ids, context); });
 }
@@ -104,9 +105,10 @@ void AddListCommand(CLI::App& app, CommandContext& context) {
     CLI::App* const command = app.add_subcommand("list", "Show a user's records, newest first");
     const auto options = std::make_shared<ListOptions>();
     command->add_option("-n,--count", options->count, "How many at the most")
+        ->check(ANumber<size_t>())
         ->capture_default_str();
     command->add_option("--name", options->name, "Action name");
-    command->add_option("--app", options->app, "Application id");
+    command->add_option("--app", options->app, "Application id")->check(ANumber<INT32>());
     AddSelectionOptions(*command, options->selection);
     command->footer("Example: tslhost list -n 5 --name playItem");
     command->callback([&context, options] { context.exitCode = List(*options, context); });
@@ -117,7 +119,7 @@ void AddAllCommand(CLI::App& app, CommandContext& context) {
         "all", "Print the ids of all deleted items that are kept for the current user");
     const auto kind = std::make_shared<UINT32>(1);
     command->add_option("--kind", *kind, "Log kind; 2 stands for the user of the system, else 1")
-        ->check(CLI::Range(1u, 0xFFFFFFFFu))
+        ->check(ALogKind())
         ->capture_default_str();
     command->footer("Example: tslhost all --json");
     command->callback([&context, kind] { context.exitCode = PrintAllIds(*kind, context); });

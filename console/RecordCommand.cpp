@@ -1,9 +1,11 @@
 // tslhost record
 #include <memory>
+#include <type_traits>
 
 #include "console/Commands.h"
 #include "console/HostSession.h"
 #include "console/IsoTime.h"
+#include "console/Numbers.h"
 #include "console/RecordIdOutput.h"
 #include "console/Text.h"
 
@@ -59,7 +61,9 @@ HostAction ToAction(const RecordOptions& options) {
 template <class T>
 void AddRepeated(CLI::App& command, const char* name, std::vector<T>& values,
                  const char* description) {
-    command.add_option(name, values, description)->expected(1, -1)->allow_extra_args(false);
+    CLI::Option* const option = command.add_option(name, values, description);
+    option->expected(1, -1)->allow_extra_args(false);
+    if constexpr (std::is_arithmetic_v<T> && !std::is_same_v<T, bool>) option->check(ANumber<T>());
 }
 
 } // namespace
@@ -69,11 +73,13 @@ void AddRecordCommand(CLI::App& app, CommandContext& context) {
         app.add_subcommand("record", "Record one action and print the id it was given");
     const auto options = std::make_shared<RecordOptions>();
     command->add_option("--name", options->name, "Action name")->required();
-    command->add_option("--app", options->app, "Application id")->required();
-    command->add_option("--user", options->user, "User id")->required();
+    command->add_option("--app", options->app, "Application id")
+        ->required()
+        ->check(ANumber<INT32>());
+    command->add_option("--user", options->user, "User id")->required()->check(ANumber<UINT32>());
     command->add_option("--time", options->time, "Time of the action, ISO 8601; default: now");
     command->add_option("--kind", options->kind, "Log kind")
-        ->check(CLI::Range(1u, 0xFFFFFFFFu))
+        ->check(ALogKind())
         ->capture_default_str();
     AddRepeated(*command, "--string", options->strings, "A text value");
     AddRepeated(*command, "--int", options->ints, "A signed 32-bit value");

@@ -40,8 +40,12 @@ void PrintRecords(std::span<const StoredRecord> records, bool json) {
         }
         return;
     }
-    CTable table(
-        {{"id", true}, {"time"}, {"user", true}, {"app", true}, {"action"}, {"parameters"}});
+    CTable table({{"id", true},
+                  {"time"},
+                  {"user", true},
+                  {"app", true},
+                  {"action", false, 24},
+                  {"parameters"}});
     for (const StoredRecord& record : records) {
         table.Add({std::to_string(record.id), FormatIsoTime(record.time),
                    std::to_string(record.user), std::to_string(record.app), ToUtf8(record.name),

@@ -46,14 +46,6 @@ char32_t NextCharacter(std::wstring_view& text) {
     return pair ? 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00) : first;
 }
 
-// Lines must stay lines.
-std::string OneLine(std::string_view text) {
-    std::string line(text);
-    std::ranges::replace_if(
-        line, [](char character) { return static_cast<unsigned char>(character) < 0x20; }, ' ');
-    return line;
-}
-
 std::string CutTo(std::string_view text, size_t width) {
     if (DisplayWidth(text) <= width) return std::string(text);
     if (width == 0) return {};
@@ -89,7 +81,7 @@ std::vector<std::string> CTable::Lines(size_t width) const {
         for (const auto& row : m_rows) {
             widest = std::max(widest, DisplayWidth(OneLine(row[column])));
         }
-        widths.push_back(widest);
+        widths.push_back(std::min(widest, m_columns[column].widest));
     }
     const auto line = [&](const auto& cellOf) {
         std::string text;
@@ -97,7 +89,8 @@ std::vector<std::string> CTable::Lines(size_t width) const {
         for (size_t column = 0; column < m_columns.size(); ++column) {
             const bool last = column + 1 == m_columns.size();
             std::string cell = OneLine(cellOf(column));
-            if (last) cell = CutTo(cell, width > used ? width - used : 0);
+            const size_t room = width > used ? width - used : 0;
+            cell = CutTo(cell, last ? room : widths[column]);
             const std::string padding(widths[column] - std::min(widths[column], DisplayWidth(cell)),
                                       ' ');
             if (m_columns[column].alignRight) text += padding;

@@ -9,10 +9,11 @@ namespace tsl {
 struct TableColumn {
     std::string title;
     bool alignRight = false;
+    size_t widest = 1000; // longer cells are cut
 };
 
-// One line a row, the titles first. The last column is cut to the width, with an ellipsis. Cells
-// are UTF-8; characters that take two columns of a terminal are counted so.
+// One line a row, the titles first. The last column is cut to the width, others to their own limit,
+// with an ellipsis. Cells are UTF-8; characters that take two columns of a terminal are counted so.
 class CTable {
 public:
     explicit CTable(std::vector<TableColumn> columns) : m_columns(std::move(columns)) {}

@@ -8,6 +8,7 @@
 #include "component/host/ParamKeys.h"
 #include "console/Commands.h"
 #include "console/HostSession.h"
+#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/Text.h"
 
@@ -94,7 +95,8 @@ ExitCode Take(UINT64 recordId, UINT32 kind, const CommandContext& context) {
             continue;
         }
         for (const auto& [name, value] : taken.items()) {
-            PrintLine(name + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
+            PrintLine(name + ": " +
+                      (value.is_string() ? OneLine(value.get<std::string>()) : value.dump()));
         }
     }
     return ExitCode::Fine;
@@ -107,9 +109,9 @@ void AddTakeCommand(CLI::App& app, CommandContext& context) {
         "take", "Show the kept record of a deleted item and remove it from the store");
     const auto id = std::make_shared<UINT64>();
     const auto kind = std::make_shared<UINT32>(1);
-    command->add_option("ID", *id, "Record id")->required();
+    command->add_option("ID", *id, "Record id")->required()->check(ANumber<UINT64>());
     command->add_option("--kind", *kind, "Log kind; 2 stands for the user of the system, else 1")
-        ->check(CLI::Range(1u, 0xFFFFFFFFu))
+        ->check(ALogKind())
         ->capture_default_str();
     command->footer("Example: tslhost take 17");
     command->callback([&context, id, kind] { context.exitCode = Take(*id, *kind, context); });

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <cwctype>
 #include <stdexcept>
 
 namespace tsl {
@@ -24,6 +26,13 @@ std::wstring ToUtf16(std::string_view text) {
     std::wstring converted(static_cast<size_t>(room), L'\0');
     MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), length, converted.data(), room);
     return converted;
+}
+
+std::string OneLine(std::string_view text) {
+    std::wstring line = ToUtf16(text);
+    std::ranges::replace_if(
+        line, [](wchar_t character) { return std::iswcntrl(character) != 0; }, L' ');
+    return ToUtf8(line);
 }
 
 } // namespace tsl

@@ -12,4 +12,8 @@ std::string ToUtf8(std::wstring_view text);
 // Throws std::invalid_argument for what is no UTF-8.
 std::wstring ToUtf16(std::string_view text);
 
+// The text with blanks in the place of control characters, so that it stays on its line and cannot
+// steer a terminal.
+std::string OneLine(std::string_view text);
+
 } // namespace tsl

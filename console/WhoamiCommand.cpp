@@ -9,8 +9,8 @@
 namespace tsl {
 
 void AddWhoamiCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command =
-        app.add_subcommand("whoami", "Show the current user's SID and user id");
+    CLI::App* const command = app.add_subcommand(
+        "whoami", "Show the current user's SID and user id (a new user is given one)");
     command->footer("Example: tslhost whoami --json");
     command->callback([&context] {
         std::wstring sid;

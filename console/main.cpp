@@ -28,8 +28,10 @@ std::vector<std::string> ReversedArguments() {
 ExitCode Run() {
     CommandContext context;
     CLI::App app("Drives the Tessaly action log from the command line", "tslhost");
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1); // none is told below: an unknown one must be named, not asked for
+    app.allow_windows_style_options(false); // a path may start with a slash
     app.fallthrough();
+    app.set_version_flag("--version", TSL_VERSION);
     std::string plugin;
     app.add_flag("--json", context.json, "Print JSON instead of text");
     app.add_option("--plugin", plugin,
@@ -47,8 +49,11 @@ ExitCode Run() {
     AddWhoamiCommand(app, context);
     try {
         app.parse(ReversedArguments());
+        if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
     } catch (const CLI::CallForHelp&) {
         PrintLine(app.help());
+    } catch (const CLI::CallForVersion& version) {
+        PrintLine(std::string("tslhost ") + version.what());
     } catch (const CLI::ParseError& error) {
         PrintError(std::string(error.what()) + " (tslhost --help tells more)");
         return ExitCode::Usage;

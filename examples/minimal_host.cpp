@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <map>
+#include <new>
 
 #include "component/host/CommandCodes.h"
 #include "component/host/ITslParamContainer.h"
@@ -49,7 +50,18 @@ public:
     }
     // A deep copy.
     HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
-        return VariantCopyInd(&m_values[key], value);
+        VARIANT copy{};
+        const HRESULT copied = VariantCopyInd(&copy, value);
+        if (FAILED(copied)) return copied;
+        try {
+            VARIANT& kept = m_values[key];
+            VariantClear(&kept);
+            kept = copy;
+        } catch (const std::bad_alloc&) { // no exception may cross an interface
+            VariantClear(&copy);
+            return E_OUTOFMEMORY;
+        }
+        return S_OK;
     }
     HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override {
         const auto found = m_values.find(key);
@@ -136,6 +148,7 @@ tsl::ITslPluginDb2* CreatePlugin(const char* path) {
     if (!library) Check(HRESULT_FROM_WIN32(GetLastError()), path);
     const auto getClassObject = reinterpret_cast<decltype(&DllGetClassObject)>(
         reinterpret_cast<void*>(GetProcAddress(library, "DllGetClassObject")));
+    if (!getClassObject) Check(HRESULT_FROM_WIN32(GetLastError()), "DllGetClassObject");
     IClassFactory* factory = nullptr;
     Check(
         getClassObject(tsl::CLSID_PluginDb, IID_IClassFactory, reinterpret_cast<void**>(&factory)),
@@ -148,13 +161,23 @@ tsl::ITslPluginDb2* CreatePlugin(const char* path) {
     return plugin;
 }
 
+// The container that an answer holds; the caller releases it.
+tsl::ITslParamContainer* ContainerOf(IUnknown* answer) {
+    tsl::ITslParamContainer* container = nullptr;
+    Check(answer->QueryInterface(tsl::IID_ITslParamContainer, reinterpret_cast<void**>(&container)),
+          "asking the answer for its container");
+    return container;
+}
+
 // The answer is a container that holds the id.
 UINT32 TakeRecordId(tsl::ITslPluginDb2& plugin) {
     auto* const request = new Container;
     VARIANT answer{};
     Check(plugin.Request(tsl::kCommandNextRecordId, request, nullptr, &answer), "taking an id");
+    tsl::ITslParamContainer* const container = ContainerOf(answer.punkVal);
     VARIANT id{};
-    static_cast<tsl::ITslParamContainer*>(answer.punkVal)->GetValue(tsl::kKeyRecordId, &id);
+    container->GetValue(tsl::kKeyRecordId, &id);
+    container->Release();
     VariantClear(&answer);
     request->Release();
     return id.ulVal;
@@ -187,7 +210,7 @@ void PrintRecord(tsl::ITslPluginDb2& plugin, UINT32 recordId) {
     if (answer.vt == (VT_ARRAY | VT_UNKNOWN)) {
         IUnknown* element = nullptr;
         SafeArrayGetElement(answer.parray, &index, &element);
-        auto* const record = static_cast<tsl::ITslParamContainer*>(element);
+        tsl::ITslParamContainer* const record = ContainerOf(element);
         VARIANT name{};
         VARIANT parameters{};
         record->GetValue(tsl::kKeyActionName, &name);
@@ -196,6 +219,7 @@ void PrintRecord(tsl::ITslPluginDb2& plugin, UINT32 recordId) {
         VariantClear(&name);
         VariantClear(&parameters);
         record->Release();
+        element->Release();
     }
     VariantClear(&answer);
     VariantClear(&ids);

@@ -86,7 +86,7 @@ int BindRow(CStatement& statement, const ActionRecord& record) {
         .Integer(record.appId)
         .Text(/*appName=*/kNull)
         .Integer(record.userId)
-        .Text(record.name.Get().bstrVal)
+        .Text(record.name.Get().bstrVal) // a null name stays NULL
         .Text(record.parameters.c_str())
         .Real(record.appLoggedTime)
         .Real(record.pluginLoggedTime)

@@ -55,6 +55,30 @@ TEST_F(Console, WrongUsageIsOneLineAndCodeTwo) {
     EXPECT_FALSE(std::filesystem::exists(CounterPath())) << "wrong usage must not take an id";
 }
 
+TEST_F(Console, NumberThatDoesNotFitIsRefusedAndNotBent) {
+    for (const wchar_t* const value :
+         {L"--ull 18446744073709551616", L"--ull -5", L"--us 65536", L"--int 2147483648",
+          L"--int 010", L"--int 7x", L"--float 1e39", L"--float x", L"--kind 4294967296"}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(value)));
+        const ConsoleResult result =
+            RunConsole(L"record --name a --app 1 --user 1 " + std::wstring(value));
+        EXPECT_EQ(2, result.exitCode) << result.output;
+    }
+    EXPECT_FALSE(std::filesystem::exists(CounterPath()));
+}
+
+TEST_F(Console, UnknownCommandIsNamed) {
+    EXPECT_NE(std::string::npos, RunConsole(L"bogus").errors.find("bogus"));
+}
+
+TEST_F(Console, RecordPassesOverIdZeroWhenTheCounterWraps) {
+    MakeStoreFolder();
+    WriteBytes(CounterPath(), Utf16FileBytes(L"4294967295\t\r\n"));
+    EXPECT_EQ("1\n", RunConsole(L"record --name a --app 1 --user 1").output);
+    EXPECT_EQ("1",
+              FileDatabase(ActionLogPath()).Value("SELECT ActionLogId FROM TslIf_DbActionLog"));
+}
+
 TEST_F(Console, HelpIsNoFailure) {
     const ConsoleResult result = RunConsole(L"record --help");
     EXPECT_EQ(0, result.exitCode);

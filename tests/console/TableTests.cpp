@@ -25,6 +25,12 @@ TEST(Table, CutsTheLastColumnToTheWidth) {
         EXPECT_LE(DisplayWidth(line), 10u) << line;
 }
 
+TEST(Table, CutsOtherColumnsToTheirOwnLimit) {
+    CTable table({{"name", false, 6}, {"text"}});
+    table.Add({"0123456789", "x"});
+    EXPECT_EQ("01234\u2026  x", table.Lines(80)[1]);
+}
+
 TEST(Table, KeepsARowOnOneLine) {
     CTable table({{"text"}});
     table.Add({"a\r\nb\tc"});

@@ -53,6 +53,14 @@ const BuiltText kRefused{E_INVALIDARG, L""};
 
 } // namespace
 
+// A zero inside one text must not cut off what follows.
+TEST(ParameterBadInput, ATextEndsAtItsFirstZero) {
+    ContainerBuilder action = Named();
+    action.Texts(kKeyStringValues, {std::wstring(L"x\0y", 3), L"z"});
+    action.Array<FLOAT>(kKeyFloatValues, {1.5F});
+    EXPECT_EQ(Ok(L"stringValues={x,z}&floatValues={1.500000}"), Build(action));
+}
+
 TEST(ParameterBadInput, AValueOfAnotherTypeFails) {
     constexpr VARTYPE kTypes[] = {VT_NULL, VT_I2,    VT_I4,   VT_UI1,     VT_UI2,     VT_UI4,
                                   VT_I8,   VT_UI8,   VT_BOOL, VT_R4,      VT_R8,      VT_CY,
