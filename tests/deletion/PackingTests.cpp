@@ -128,8 +128,9 @@ TEST(Packing, CopiesTextsInTheirOrder) {
     CValueView<BSTR> view;
     ASSERT_EQ(S_OK, view.Open(*result.Address()));
     for (size_t index = 0; index < texts.size(); ++index) {
-        EXPECT_NE(nullptr, view.Values()[index]) << "an empty text is a text";
-        EXPECT_EQ(texts[index], BstrView(view.Values()[index]));
+        const BSTR packed = view.Values()[index];
+        ASSERT_NE(nullptr, packed) << "an empty text is a text";
+        EXPECT_EQ(texts[index], std::wstring(packed, SysStringLen(packed)));
     }
 }
 
