@@ -80,7 +80,7 @@ TEST_F(Packing, OfTextsIsAnArrayOfCopies) {
     ASSERT_EQ(S_OK, view.Open(*answer.Address()));
     std::vector<std::wstring> found;
     for (const BSTR text : view.Values())
-        found.emplace_back(BstrView(text));
+        found.emplace_back(text, SysStringLen(text));
     EXPECT_EQ(texts, found);
 }
 
