@@ -5,6 +5,8 @@
 
 #include <oleauto.h>
 
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -110,5 +112,16 @@ public:
 private:
     VARIANT m_value;
 };
+
+// The value turned into text, as Automation does it; nothing when it cannot be.
+inline std::optional<std::wstring> TextOf(const VARIANT& value) {
+    CVariant text;
+    // The source is only read, though it is declared otherwise.
+    if (FAILED(VariantChangeType(text.Address(), const_cast<VARIANT*>(&value), /*flags=*/0,
+                                 VT_BSTR))) {
+        return std::nullopt;
+    }
+    return std::wstring(BstrView(text.Get().bstrVal));
+}
 
 } // namespace tsl

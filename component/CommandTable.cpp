@@ -14,7 +14,7 @@ namespace {
 
 // An action without a container is none.
 HRESULT RecordAction(CActionLogStore& store, ITslParamContainer* container, VARIANT* /*result*/) {
-    return container ? DispatchAction(store, container) : S_OK;
+    return container ? DispatchAction(store, *container) : S_OK;
 }
 
 HRESULT DeleteStoredRecords(CActionLogStore& store, ITslParamContainer* container,

@@ -3,6 +3,7 @@
 #include <atomic>
 
 #include "component/Module.h"
+#include "store/Maintenance.h"
 
 namespace tsl {
 
@@ -66,7 +67,10 @@ HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
 HRESULT STDMETHODCALLTYPE CPluginDb::SetRecordingEnabled(UINT32 flag) {
     return AtBoundary([&] {
         g_recordingSwitch = flag;
-        if (m_store) m_store->SetLogKind(flag);
+        if (!m_store) return S_OK; // a host calls back while the object ends
+        m_store->SetLogKind(flag);
+        // What cannot be converted now is tried again next time.
+        AtBoundary([&] { return MaintainStore(*m_store); });
         return S_OK;
     });
 }

@@ -3,6 +3,7 @@
 #include <cwchar>
 #include <cwctype>
 
+#include "base/Hresult.h"
 #include "files/AccessRights.h"
 #include "files/Paths.h"
 #include "files/Utf16TextFile.h"
@@ -26,6 +27,19 @@ UINT32 ParseLine(std::wstring_view line) {
     return std::wcstoul(std::wstring(line).c_str(), /*end=*/nullptr, /*base=*/10);
 }
 
+// A failed write is not always told.
+HRESULT CheckCounter(const std::wstring& path, UINT32 counter) {
+    UINT32 written = 0;
+    const HRESULT read = ReadCounter(path, written);
+    if (FAILED(read)) return read;
+    return written == counter ? S_OK : HresultFromWin32(ERROR_WRITE_FAULT);
+}
+
+HRESULT MoveOver(const std::wstring& from, const std::wstring& to) {
+    const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    return MoveFileExW(from.c_str(), to.c_str(), flags) ? S_OK : HresultFromLastError();
+}
+
 } // namespace
 
 HRESULT WriteCounter(const std::wstring& path, UINT32 counter) {
@@ -33,6 +47,15 @@ HRESULT WriteCounter(const std::wstring& path, UINT32 counter) {
     if (!opened.file) return opened.status;
     GrantFileAccess(path);
     return WriteText(opened.file, FormatLine(counter)) ? S_OK : opened.status;
+}
+
+HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter) {
+    const std::wstring made = path + L".new";
+    HRESULT result = WriteCounter(made, counter);
+    if (SUCCEEDED(result)) result = CheckCounter(made, counter);
+    if (SUCCEEDED(result)) result = MoveOver(made, path);
+    if (FAILED(result)) DeleteFileW(made.c_str());
+    return result;
 }
 
 HRESULT ReadCounter(const std::wstring& path, UINT32& counter) {

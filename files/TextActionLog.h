@@ -1,4 +1,4 @@
-// The file "actionLog.txt": one line that holds the record id handed out last. Both operations
+// The file "actionLog.txt": one line that holds the record id handed out last. All operations
 // REQUIRE that the LogId lock is held or that its wait has timed out.
 #pragma once
 
@@ -14,6 +14,10 @@ inline constexpr wchar_t kCounterFileName[] = L"actionLog.txt";
 // error; a failed write gives the status of the open, which is S_OK for a new file and 0x800700B7
 // for one that was there.
 HRESULT WriteCounter(const std::wstring& path, UINT32 counter);
+
+// The same in one step: a process that ends meanwhile leaves the old file, or none, and never half
+// a one. S_OK, or the Win32 error with the file as it was.
+HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter);
 
 // Reads the number on the last line; a line that is no number counts as 0. E_INVALIDARG when there
 // is no file, the Win32 error of a failed open; the counter is left as it is then, and also when

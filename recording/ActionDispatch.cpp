@@ -1,33 +1,46 @@
 #include "recording/ActionDispatch.h"
 
+#include "recording/ActionCopy.h"
+#include "recording/ActionFilters.h"
+#include "recording/ContentMove.h"
 #include "recording/RecordWriter.h"
+#include "recording/ReplayLog.h"
+#include "recording/UserReset.h"
+#include "store/LogKinds.h"
 
 namespace tsl {
 
 namespace {
 
-// Selects the replay log's database while it lives.
-class CReplayDatabaseSelection {
-public:
-    explicit CReplayDatabaseSelection(CActionLogStore& store) : m_store(store) {
-        m_store.SelectDatabase(kReplayFileName);
+// Keeps the action for whoever takes it later and records a copy of it. Returns the copy; null when
+// it could not be made.
+CComPtr<ITslParamContainer> RecordDeleteAction(CActionLogStore& store, ITslParamContainer& action) {
+    if (SUCCEEDED(store.SelectTable(kTablePrefix, kContentDeleteTable))) {
+        WriteActionRecord(store, &action);
     }
-    CReplayDatabaseSelection(const CReplayDatabaseSelection&) = delete;
-    CReplayDatabaseSelection& operator=(const CReplayDatabaseSelection&) = delete;
-    ~CReplayDatabaseSelection() { m_store.SelectActionLogDatabase(); }
-
-private:
-    CActionLogStore& m_store;
-};
+    const HRESULT selected = store.SelectTable(kTablePrefix, kActionLogTable);
+    CComPtr<ITslParamContainer> copy;
+    const HRESULT copied = CopyDeleteAction(action, copy);
+    if (SUCCEEDED(selected) && SUCCEEDED(copied)) WriteActionRecord(store, copy.Get());
+    return copy;
+}
 
 } // namespace
 
-HRESULT DispatchAction(CActionLogStore& store, ITslParamContainer* container) {
-    // The replay log tells whether the action was kept; the host is not told of the action log's.
-    WriteActionRecord(store, container);
-    const CReplayDatabaseSelection replay(store);
-    const HRESULT selected = store.SelectTable(kTablePrefix, kReplayTable);
-    return FAILED(selected) ? selected : WriteActionRecord(store, container);
+HRESULT DispatchAction(CActionLogStore& store, ITslParamContainer& action) {
+    const std::wstring name = ReadActionName(action);
+    const UINT32 logKind = store.LogKind();
+    if (IsSettingReset(name)) ResetUserRecords(store, &action);
+
+    CComPtr<ITslParamContainer> copy;
+    if (IsDeleteAction(name) && logKind == kLogKindOfKeptRecords) {
+        copy = RecordDeleteAction(store, action);
+    } else if (IsContentMove(name)) {
+        MoveContent(store, action);
+    } else if (!IsExcludedFromActionLog(name, logKind)) {
+        WriteActionRecord(store, &action);
+    }
+    return WriteReplayRecord(store, action, copy ? *copy : action);
 }
 
 } // namespace tsl

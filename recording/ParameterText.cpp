@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "query/ContainerValues.h"
+#include "recording/ActionNames.h"
 #include "recording/LinkedItem.h"
 #include "recording/ValueEncoders.h"
 #include "recording/ValueList.h"
@@ -24,13 +25,13 @@ struct ClassifiedName {
 };
 
 constexpr ClassifiedName kClassifiedNames[] = {
-    {L"userLocation", ActionClass::UserLocation},
-    {L"externalApplicationLog", ActionClass::ExternalLog},
-    {L"deleteItem", ActionClass::Delete},
-    {L"showExternalLink", ActionClass::Link},
-    {L"showExternalLinkForSns", ActionClass::Link},
-    {L"showExternalLinkForMusic", ActionClass::Link},
-    {L"showExternalLinkForTv", ActionClass::Link},
+    {kActionUserLocation, ActionClass::UserLocation},
+    {kActionExternalLog, ActionClass::ExternalLog},
+    {kActionDeleteItem, ActionClass::Delete},
+    {kActionExternalLink, ActionClass::Link},
+    {kActionExternalLinkForSns, ActionClass::Link},
+    {kActionExternalLinkForMusic, ActionClass::Link},
+    {kActionExternalLinkForTv, ActionClass::Link},
 };
 
 ActionClass Classify(std::wstring_view actionName) noexcept {

@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "base/ComPtr.h"
+#include "component/host/ITslContentStore.h"
 #include "store/Database.h"
 #include "store/Schema.h"
 #include "store/StoreLocks.h"
@@ -56,8 +58,11 @@ public:
     UINT32 LogKind() const noexcept { return m_logKind; }
     void SetLogKind(UINT32 logKind) noexcept { m_logKind = logKind; }
 
+    // The host's content store, null until a content move has created it.
+    CComPtr<ITslContentStore>& ContentStore() noexcept { return m_contentStore; }
+
 private:
-    // Members go in reverse order: first the locks, last the engine.
+    // Members go in reverse order: first the content store, then the locks, last the engine.
     std::unique_ptr<SqliteApi> m_engine;
     std::wstring m_databaseName = kActionLogFileName;
     std::wstring m_prefix;
@@ -66,6 +71,7 @@ private:
     UINT32 m_logKind = 0;
     CNamedMutex m_sqliteAccessLock{kSqliteAccessMutexName};
     CNamedMutex m_logIdLock{kLogIdMutexName};
+    CComPtr<ITslContentStore> m_contentStore;
 };
 
 } // namespace tsl

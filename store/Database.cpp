@@ -65,6 +65,15 @@ int ExecuteStatement(const CDatabase& database, const std::wstring& text) {
     return result == kSqliteOk ? statement.Run() : result;
 }
 
+int ReadNumber(const CDatabase& database, const std::wstring& text, int column, INT64& number) {
+    CStatement statement(database);
+    int result = statement.Prepare(text);
+    if (result == kSqliteOk) result = statement.Step();
+    if (result != kSqliteRow) return result;
+    number = statement.ColumnInt64(column);
+    return statement.Finalize();
+}
+
 CTransaction::~CTransaction() {
     if (!m_open) return;
     try {

@@ -74,6 +74,10 @@ private:
 // Prepares the text and runs it to its end. SQLITE_ROW when it yields a row.
 int ExecuteStatement(const CDatabase& database, const std::wstring& text);
 
+// Reads the integer in a column of the first row that the text yields. SQLITE_DONE, with the number
+// untouched, when it yields none.
+int ReadNumber(const CDatabase& database, const std::wstring& text, int column, INT64& number);
+
 // Rolls back when it goes, unless it was committed. Every call returns the engine's result.
 class CTransaction {
 public:

@@ -13,24 +13,14 @@ bool SelectedTableHasMark(const CActionLogStore& store) {
            (file == kReplayFileName && store.Name() == kReplayTable);
 }
 
-// First column of the single row that the text yields.
-int ReadNumber(const CDatabase& database, const std::wstring& text, INT64& number) {
-    CStatement statement(database);
-    int result = statement.Prepare(text);
-    if (result != kSqliteOk) return result;
-    result = statement.Step();
-    if (result != kSqliteRow) return result == kSqliteDone ? kSqliteError : result;
-    number = statement.ColumnInt64(0);
-    return statement.Finalize();
-}
-
 // The highest id that the table can hold. A file without a mark (0) may come from an older version:
 // its rows tell.
 int HighestId(const CDatabase& database, const std::wstring& table, INT64 mark, INT64& highest) {
     highest = mark;
     if (mark != 0) return kSqliteOk;
-    return ReadNumber(
-        database, L"SELECT MAX(" + std::wstring(kActionLogIdColumn) + L") FROM " + table, highest);
+    return ReadNumber(database,
+                      L"SELECT MAX(" + std::wstring(kActionLogIdColumn) + L") FROM " + table,
+                      /*column=*/0, highest);
 }
 
 int DeleteRows(const CDatabase& database, const std::wstring& table, UINT32 recordId) {
@@ -54,7 +44,7 @@ int RemoveOlderRows(const CActionLogStore& store, const CDatabase& database, UIN
     if (!SelectedTableHasMark(store)) return DeleteRows(database, table, recordId);
 
     INT64 stored = 0;
-    int result = ReadNumber(database, L"PRAGMA user_version", stored);
+    int result = ReadNumber(database, L"PRAGMA user_version", /*column=*/0, stored);
     if (result != kSqliteOk) return result;
     const INT64 mark = static_cast<UINT32>(stored);
     INT64 highest = 0;

@@ -24,4 +24,13 @@ void RaiseCounterForFirstId(CActionLogStore& store, UINT32 firstId) {
     }
 }
 
+HRESULT SeedCounter(CActionLogStore& store, UINT32 counter) {
+    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
+    const std::wstring path = DbFolder() + kCounterFileName;
+    UINT32 present = 0;
+    // Others may have begun to hand out ids.
+    if (SUCCEEDED(ReadCounter(path, present)) && present >= counter) return S_OK;
+    return WriteCounterAtOnce(path, counter);
+}
+
 } // namespace tsl

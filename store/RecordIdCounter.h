@@ -14,4 +14,9 @@ HRESULT ReadCounterUnderLock(CActionLogStore& store, UINT32& counter);
 // never goes back: it is read again under the lock before it is written.
 void RaiseCounterForFirstId(CActionLogStore& store, UINT32 firstId);
 
+// Writes the counter that an older store is converted with, taking the LogId lock; the file is
+// there either with the whole counter or not at all. A counter file that is as high already stays.
+// S_OK, or the Win32 error of the write.
+HRESULT SeedCounter(CActionLogStore& store, UINT32 counter);
+
 } // namespace tsl

@@ -51,8 +51,10 @@ inline constexpr std::array<Column, 2> kRecordIdColumns = {{
 // Columns that statements name, and the places of columns in a row of all of them.
 inline constexpr wchar_t kActionLogIdColumn[] = L"ActionLogId";
 inline constexpr wchar_t kUserIdColumn[] = L"UserId";
+inline constexpr wchar_t kActionNameColumn[] = L"ActionName";
 inline constexpr wchar_t kPluginLoggedTimeColumn[] = L"PluginLoggedTime";
 inline constexpr wchar_t kLogKindColumn[] = L"LogKind";
+inline constexpr wchar_t kCurrentRecordIdColumn[] = L"CurrentRecordId";
 inline constexpr int kActionLogIdIndex = 0;
 inline constexpr int kAppIdIndex = 2;
 inline constexpr int kUserIdIndex = 4;

@@ -18,4 +18,7 @@ inline constexpr UINT64 kCommandTakeRecord = 0x0400000501000000;
 // Delete
 inline constexpr UINT64 kCommandDeleteRecords = 0x0400000a01000000;
 
+// Stamped on the properties that a content move writes back to the host's content store.
+inline constexpr UINT64 kCommandContentProperty = 0x0400001101000000;
+
 } // namespace tsl

@@ -34,7 +34,8 @@ struct ITslPluginDb : public IUnknown {
 
 struct ITslPluginDb2 : public ITslPluginDb {
     // Switches recording for the whole process: 0 is off, any other value is on. The value is also
-    // the log kind of what this object records from now on. Always S_OK.
+    // the log kind of what this object records from now on. Converts a store of the older form, if
+    // there is one. Always S_OK.
     virtual HRESULT STDMETHODCALLTYPE SetRecordingEnabled(UINT32 flag) = 0;
 };
 

@@ -18,10 +18,12 @@ constexpr VARTYPE ParamKeyType(UINT64 key) noexcept {
 }
 
 inline constexpr UINT64 kKindOrdinary = 0x02;
+inline constexpr UINT64 kKindContentProperty = 0x03;
 inline constexpr UINT64 kKindItem = 0x04;
 inline constexpr UINT64 kKindFlag = 0x05;
 
-// A second container, that of the linked item.
+// Further containers: one that is only handed on, and that of the linked item.
+inline constexpr UINT64 kKeyNestedContainer = MakeParamKey(kKindOrdinary, 0x01, VT_UNKNOWN);
 inline constexpr UINT64 kKeyLinkedItem = MakeParamKey(kKindOrdinary, 0x02, VT_UNKNOWN);
 
 // The fields of an action record.
@@ -64,6 +66,14 @@ inline constexpr UINT64 kKeySecondNumber = MakeParamKey(kKindItem, 0x1011, VT_I4
 inline constexpr UINT64 kKeySecondId = MakeParamKey(kKindItem, 0x1012, VT_UI8);
 inline constexpr UINT64 kKeyThirdNumber = MakeParamKey(kKindItem, 0x1013, VT_I4);
 inline constexpr UINT64 kKeyFirstText = MakeParamKey(kKindFlag, 0x2024, VT_BSTR);
+
+// The number that a content move gives the properties it changes.
+inline constexpr UINT64 kKeyNumber = MakeParamKey(kKindOrdinary, 0x42, VT_I4);
+
+// A property of a content item.
+inline constexpr UINT64 kKeyPropertyFirstText = MakeParamKey(kKindContentProperty, 0x16, VT_BSTR);
+inline constexpr UINT64 kKeyPropertySecondText = MakeParamKey(kKindContentProperty, 0x14, VT_BSTR);
+inline constexpr UINT64 kKeyPropertyNumber = MakeParamKey(kKindContentProperty, 0x17, VT_I4);
 
 // The two texts of a linked item.
 inline constexpr UINT64 kKeyText44 = MakeParamKey(kKindOrdinary, 0x44, VT_BSTR);

@@ -1,0 +1,19 @@
+// Turns a store of the older form into one of today's.
+#pragma once
+
+#include "store/ActionLogStore.h"
+
+namespace tsl {
+
+// An older store kept the last record id in a table of the action log's database and had no log
+// kinds. Gives its records their log kinds, moves the id into the counter file and drops the table.
+// The counter file marks a store as converted: with it, nothing is touched. After a failure the
+// next call does it all again.
+//
+// Takes the SQLiteAccess lock, and the LogId lock inside it. Leaves the action log table or the old
+// table selected. S_OK after a conversion; E_FAIL for a store that needs none; E_POINTER without an
+// engine; else the failure of the open, of the engine (0x80041600 for a store without records,
+// 0x80041701 for one without a last id) or of writing the counter file.
+HRESULT MaintainStore(CActionLogStore& store);
+
+} // namespace tsl
