@@ -25,6 +25,8 @@ void AddListCommand(CLI::App& app, CommandContext& context);
 void AddAllCommand(CLI::App& app, CommandContext& context);
 void AddTakeCommand(CLI::App& app, CommandContext& context);
 void AddDeleteCommand(CLI::App& app, CommandContext& context);
+void AddMoveCommand(CLI::App& app, CommandContext& context);
+void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddWhoamiCommand(CLI::App& app, CommandContext& context);
 
 } // namespace tsl

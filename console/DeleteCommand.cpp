@@ -75,8 +75,7 @@ void Report(size_t count, bool removed, bool json) {
         PrintLine(nlohmann::ordered_json({{"records", count}, {"removed", removed}}).dump());
         return;
     }
-    const std::string records = count == 1 ? "1 record" : std::to_string(count) + " records";
-    PrintLine(records + (removed ? " removed" : " would be removed"));
+    PrintLine(CountOfRecords(count) + (removed ? " removed" : " would be removed"));
 }
 
 ExitCode Delete(DeleteOptions options, const CommandContext& context) {

@@ -50,6 +50,7 @@ CComPtr<CTslParamContainer> MakeContainer(const HostAction& action, UINT32 recor
     SetValue(*container.Get(), kKeyAppId, CVariant::FromI4(action.app));
     SetValue(*container.Get(), kKeyUserId, CVariant::FromUi4(action.user));
     if (action.time) SetValue(*container.Get(), kKeyActionTime, CVariant::FromDate(*action.time));
+    if (action.number) SetValue(*container.Get(), kKeyNumber, CVariant::FromI4(*action.number));
     SetValues(*container.Get(), action.values);
     if (action.linked) SetLinkedItem(*container.Get(), *action.linked);
     return container;

@@ -32,6 +32,7 @@ struct HostAction {
     UINT32 user = 0;
     std::optional<DATE> time;
     UINT32 kind = 1; // the log kind that it is recorded under
+    std::optional<INT32> number;
     ActionValues values;
     std::optional<LinkedItem> linked;
 };

@@ -55,6 +55,10 @@ void PrintRecords(std::span<const StoredRecord> records, bool json) {
         PrintLine(line);
 }
 
+std::string CountOfRecords(size_t count) {
+    return count == 1 ? "1 record" : std::to_string(count) + " records";
+}
+
 void PrintIds(std::span<const UINT64> ids, bool json) {
     for (const UINT64 id : ids) {
         const std::string number = std::to_string(id);

@@ -15,6 +15,9 @@ std::vector<StoredRecord> FetchRecords(CHostSession& session, std::span<const UI
 // A table that fits the terminal, or one JSON object a line.
 void PrintRecords(std::span<const StoredRecord> records, bool json);
 
+// "1 record", "2 records".
+std::string CountOfRecords(size_t count);
+
 // One id a line.
 void PrintIds(std::span<const UINT64> ids, bool json);
 

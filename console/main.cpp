@@ -46,6 +46,8 @@ ExitCode Run() {
     AddAllCommand(app, context);
     AddTakeCommand(app, context);
     AddDeleteCommand(app, context);
+    AddMoveCommand(app, context);
+    AddResetCommand(app, context);
     AddWhoamiCommand(app, context);
     try {
         app.parse(ReversedArguments());

@@ -33,12 +33,14 @@ bool IsTrimDue(ITslParamContainer& action) {
     return recordId.Type() == VT_UI4 && recordId.Get().ulVal % kIdsBetweenTrims == 0;
 }
 
-void Trim(CActionLogStore& store, ITslParamContainer& action) {
+// The query takes no lock of its own, and whoever reads the file meanwhile keeps others from
+// writing.
+size_t CountUserRecords(CActionLogStore& store, ITslParamContainer& action) {
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
     CVariant records;
     CValueView<IUnknown*> view;
-    if (FAILED(QueryRecordIds(store, &action, records.Address()))) return;
-    if (FAILED(view.Open(*records.Address()))) return;
-    if (view.Values().size() > kMostRecords) ResetUserRecords(store, &action);
+    if (FAILED(QueryRecordIds(store, &action, records.Address()))) return 0;
+    return SUCCEEDED(view.Open(*records.Address())) ? view.Values().size() : 0;
 }
 
 } // namespace
@@ -48,7 +50,9 @@ HRESULT WriteReplayRecord(CActionLogStore& store, ITslParamContainer& action,
     const CReplayDatabaseSelection replay(store);
     const HRESULT selected = store.SelectTable(kTablePrefix, kReplayTable);
     if (FAILED(selected)) return selected;
-    if (IsTrimDue(action)) Trim(store, action);
+    if (IsTrimDue(action) && CountUserRecords(store, action) > kMostRecords) {
+        ResetUserRecords(store, &action);
+    }
     return WriteActionRecord(store, &record);
 }
 

@@ -22,7 +22,7 @@ std::string Refusal(const std::string& line) {
 
 TEST(ActionJson, ReadsEveryMember) {
     const HostAction action = ParseActionLine(
-        R"({"name":"playItem","app":-3,"user":4294967295,"time":"1970-01-01T00:00:00Z","kind":8,)"
+        R"({"name":"playItem","app":-3,"user":4294967295,"time":"1970-01-01T00:00:00Z","kind":8,"number":-7,)"
         R"("ullValues":[0,18446744073709551615],"usValues":[65535],"intValues":[-2147483648],)"
         R"("boolValues":[true,false],"stringValues":["a","\u00e4"],"moreStringValues":[""],)"
         R"("floatValues":[1.5,2],"linked":{"text44":"x","text48":"","ullValues":[7]}})");
@@ -31,6 +31,7 @@ TEST(ActionJson, ReadsEveryMember) {
     EXPECT_EQ(4294967295u, action.user);
     EXPECT_EQ(25569.0, action.time.value());
     EXPECT_EQ(8u, action.kind);
+    EXPECT_EQ(-7, action.number);
     EXPECT_EQ((std::vector<ULONGLONG>{0, 0xFFFFFFFFFFFFFFFF}), action.values.ullValues);
     EXPECT_EQ((std::vector<USHORT>{65535}), action.values.usValues);
     EXPECT_EQ((std::vector<LONG>{-2147483647 - 1}), action.values.intValues);
@@ -49,6 +50,7 @@ TEST(ActionJson, KindIsOneAndTimeIsAbsentUnlessNamed) {
     const HostAction action = ParseActionLine(R"({"name":"a","app":1,"user":1})");
     EXPECT_EQ(1u, action.kind);
     EXPECT_FALSE(action.time.has_value());
+    EXPECT_FALSE(action.number.has_value());
     EXPECT_FALSE(action.values.intValues.has_value());
     EXPECT_FALSE(action.linked.has_value());
 }

@@ -8,14 +8,14 @@ namespace tsl::test {
 
 class QueryCommands : public StoreTest {
 protected:
-    // Ids 1 to 5: three of user 1 (kinds 1, 8, 1), two of user 2.
+    // Ids 1 to 5: three of user 1 (kinds 1, 32, 1), two of user 2.
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(StoreTest::SetUp());
         const ConsoleResult result = RunConsole(
             L"import -",
             R"({"name":"playItem","app":5,"user":1,"time":"2026-11-20T08:00:00Z","ullValues":[4711]})"
             "\n"
-            R"({"name":"playItem","app":5,"user":1,"kind":8,"stringValues":["a,b",""]})"
+            R"({"name":"playItem","app":5,"user":1,"kind":32,"stringValues":["a,b",""]})"
             "\n"
             R"({"name":"showItem","app":3,"user":2})"
             "\n"
@@ -37,10 +37,10 @@ TEST_F(QueryCommands, IdsAreThoseOfTheUser) {
 TEST_F(QueryCommands, IdsAreFilteredByIdKindAndTime) {
     EXPECT_EQ("4\n", RunConsole(L"ids --first 2").output);
     EXPECT_EQ("1\n", RunConsole(L"ids --last 3").output);
-    EXPECT_EQ("2\n", RunConsole(L"ids --kind 8").output);
+    EXPECT_EQ("2\n", RunConsole(L"ids --kind 32").output);
     EXPECT_EQ("1\n2\n4\n", RunConsole(L"ids --since 2020-01-01T00:00:00Z").output);
     EXPECT_EQ("", RunConsole(L"ids --until 2020-01-01T00:00:00Z").output);
-    EXPECT_EQ("2\n", RunConsole(L"ids --kind 8 --since 2020-01-01T00:00:00Z").output);
+    EXPECT_EQ("2\n", RunConsole(L"ids --kind 32 --since 2020-01-01T00:00:00Z").output);
 }
 
 TEST_F(QueryCommands, LookingNeverMovesTheCounter) {
@@ -49,13 +49,21 @@ TEST_F(QueryCommands, LookingNeverMovesTheCounter) {
 }
 
 TEST_F(QueryCommands, NothingFoundIsCodeOne) {
-    for (const wchar_t* const arguments : {L"ids --user 77", L"list --user 77",
-                                           L"list --name nosuch", L"show 77", L"take 77", L"all"}) {
+    for (const wchar_t* const arguments :
+         {L"ids --user 77", L"list --user 77", L"list --name nosuch", L"show 77", L"take 77"}) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(arguments)));
         const ConsoleResult result = RunConsole(arguments);
         EXPECT_EQ(1, result.exitCode) << result.errors;
         EXPECT_EQ("", result.output);
     }
+}
+
+TEST_F(QueryCommands, AllNamesTheDeletedItemsThatAreKeptUntilTheyAreTaken) {
+    EXPECT_EQ("4\n", RunConsole(L"all").output);
+    EXPECT_EQ("{\"id\":4}\n", RunConsole(L"all --json").output);
+    EXPECT_EQ("id: 4\nfirstUll: 7\nsecondUll: 8\nfirstText: x\ntextHandedOn: y z\n",
+              RunConsole(L"take 4").output);
+    EXPECT_EQ(1, RunConsole(L"all").exitCode);
 }
 
 TEST_F(QueryCommands, ShowPrintsATableInTheOrderAskedFor) {

@@ -17,7 +17,7 @@ TEST_F(Console, IdHandsOutOneAfterTheOther) {
 
 TEST_F(Console, RecordStoresEveryValue) {
     const ConsoleResult result = RunConsole(
-        L"record --name playItem --app -3 --user 9 --time 2026-11-21T18:00:00Z --kind 8 "
+        L"record --name playItem --app -3 --user 9 --time 2026-11-21T18:00:00Z --kind 32 "
         L"--string \"a,b\" --string \u65e5\u672c --int -5 --int 7 --ull 18446744073709551615 "
         L"--us 65535 --bool true --bool false --float 1.5");
     ASSERT_EQ(0, result.exitCode) << result.errors;
@@ -27,7 +27,7 @@ TEST_F(Console, RecordStoresEveryValue) {
         {"1", "-3", "9", "playItem",
          "ullValues={18446744073709551615}&usValues={65535}&intValues={-5,7}&boolValues={1,0}"
          "&stringValues={a%2cb,\u65e5\u672c}&floatValues={1.500000}",
-         "46347.75", "8"}};
+         "46347.75", "32"}};
     EXPECT_EQ(expected, FileDatabase(ActionLogPath())
                             .Query("SELECT ActionLogId, AppId, UserId, ActionName, "
                                    "ActionParameters, AppLoggedTime, LogKind "

@@ -52,7 +52,7 @@ TEST_F(DeletionFailure, OfAFolderInPlaceOfTheFileIsOneOfTheOpen) {
 }
 
 TEST_F(DeletionFailure, OfAFileInPlaceOfTheFolderIsOneOfTheOpen) {
-    fs::create_directories(StoreFolder().parent_path());
+    fs::remove_all(StoreFolder());
     WriteBytes(StoreFolder(), {'x'});
     ExpectFailure(kEngineCannotOpen);
     EXPECT_EQ(Bytes({'x'}), ReadBytes(StoreFolder()));

@@ -21,6 +21,7 @@ protected:
     // Recording is switched on with log kind 1.
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(PluginTest::SetUp());
+        MakeCounterFile();
         SetLogKind(1);
     }
     void TearDown() override {

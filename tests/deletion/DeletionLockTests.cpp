@@ -1,57 +1,13 @@
 // The lock of the databases around a deletion: taken, waited for no longer than it may, given back.
 #include <chrono>
-#include <map>
 #include <memory>
 #include <thread>
 
 #include "tests/deletion/DeletionFixture.h"
+#include "tests/support/LockWatchingContainer.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
-
-namespace {
-
-// Notes for each key that is read whether another thread could have the lock.
-class LockWatchingContainer final : public ITslParamContainer {
-public:
-    explicit LockWatchingContainer(CComPtr<CTslParamContainer> values)
-        : m_values(std::move(values)) {}
-
-    std::map<UINT64, bool> lockWasFree;
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
-        const HRESULT known = m_values->QueryInterface(iid, result);
-        if (SUCCEEDED(known)) {
-            m_values->Release();
-            *result = static_cast<ITslParamContainer*>(this);
-        }
-        return known;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* commandCode) override {
-        return m_values->GetCommandCode(commandCode);
-    }
-    HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 commandCode) override {
-        return m_values->SetCommandCode(commandCode);
-    }
-    HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
-        lockWasFree[key] = MutexIsFree(kSqliteAccessLock);
-        return m_values->GetValue(key, value);
-    }
-    HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
-        return m_values->SetValue(key, value);
-    }
-    HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override {
-        return m_values->RemoveValue(key);
-    }
-    HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override { return m_values->GetKeys(keys); }
-
-private:
-    CComPtr<CTslParamContainer> m_values;
-};
-
-} // namespace
 
 class DeletionLock : public DeletionTest {
 protected:

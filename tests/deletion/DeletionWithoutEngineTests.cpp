@@ -34,7 +34,7 @@ TEST_F(DeletionWithoutEngine, IsABadPointerForEachForm) {
         ExpectLocksAreFree();
     }
     EXPECT_TRUE(library.CanUnload());
-    EXPECT_FALSE(std::filesystem::exists(StoreFolder()));
+    EXPECT_FALSE(std::filesystem::exists(ActionLogPath()));
 }
 
 TEST_F(DeletionWithoutEngine, ReadsNothingButTheForm) {

@@ -38,6 +38,7 @@ class BadStore : public PluginTest {
 protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(PluginTest::SetUp());
+        MakeCounterFile();
         ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
     }
 
@@ -74,6 +75,7 @@ TEST_F(BadStore, FolderInPlaceOfTheReplayLogIsReported) {
 }
 
 TEST_F(BadStore, FolderInPlaceOfTheCounterFileIsReported) {
+    fs::remove(CounterPath());
     fs::create_directories(CounterPath());
     const HRESULT expected = StatusOfMakingTheCounterFile();
     ASSERT_TRUE(FAILED(expected));

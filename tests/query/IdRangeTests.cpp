@@ -46,6 +46,7 @@ TEST_F(IdRange, HoldsRecordsOfItsUserOnly) {
 }
 
 TEST_F(IdRange, HoldsRecordsOfTheObjectsLogKindOnly) {
+    MakeCounterFile();
     ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(16));
     ExpectIds({4}, kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 1));
 }

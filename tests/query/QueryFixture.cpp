@@ -79,7 +79,9 @@ QueryTest::QueryTest() : m_registration(CLSID_TslParamContainer, &m_containers) 
 void QueryTest::SetUp() {
     ASSERT_NO_FATAL_FAILURE(StoreTest::SetUp());
     m_plugin = m_library.CreatePlugin();
+    // Looks for a store of the older form, and leaves an empty file behind.
     ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
+    std::filesystem::remove(ActionLogPath());
 }
 
 void QueryTest::TearDown() {

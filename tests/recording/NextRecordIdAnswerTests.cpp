@@ -71,7 +71,7 @@ protected:
         EXPECT_EQ(result, Next(answer));
         EXPECT_EQ(VT_EMPTY, answer.Type());
         EXPECT_FALSE(Store().LogIdLock().IsHeld());
-        EXPECT_TRUE(IsFree(kLogIdMutexName));
+        EXPECT_TRUE(MutexIsFree(kLogIdMutexName));
     }
 
     CTslParamContainer& Values() { return *m_values.Get(); }
@@ -124,7 +124,7 @@ TEST_F(RecordIdAnswer, NeedsAResult) {
     const ScriptedClass containers(Instance());
     EXPECT_EQ(E_POINTER, NextRecordId(Store(), ContainerBuilder(), nullptr));
     EXPECT_EQ(0u, containers.created);
-    EXPECT_TRUE(IsFree(kLogIdMutexName));
+    EXPECT_TRUE(MutexIsFree(kLogIdMutexName));
 }
 
 TEST_F(RecordIdAnswer, FailsWithTheCreation) {

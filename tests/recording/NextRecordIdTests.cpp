@@ -49,7 +49,7 @@ protected:
         EXPECT_EQ(result, NextRecordId(Store(), ContainerBuilder(), answer.Address()));
         EXPECT_EQ(VT_EMPTY, answer.Type());
         EXPECT_FALSE(Store().LogIdLock().IsHeld());
-        EXPECT_TRUE(IsFree(kLogIdMutexName));
+        EXPECT_TRUE(MutexIsFree(kLogIdMutexName));
     }
 
     static void WriteFile(const Bytes& bytes) {
@@ -179,7 +179,7 @@ TEST_F(RecordIdCounter, IsRaisedAfterTenSecondsThoughAnotherProcessHoldsTheLock)
     EXPECT_EQ(42u, Next());
     EXPECT_GE(watch.Seconds(), 9.9);
     EXPECT_LT(watch.Seconds(), 13.0);
-    EXPECT_FALSE(IsFree(kLogIdMutexName)) << "what was not taken is not given back";
+    EXPECT_FALSE(MutexIsFree(kLogIdMutexName)) << "what was not taken is not given back";
     EXPECT_EQ(Utf16FileBytes(L"00000042\t\r\n"), ReadBytes(CounterPath()));
 }
 
@@ -195,7 +195,7 @@ TEST_F(RecordIdCounter, DoesNotWaitForALockThatTheStoreHolds) {
     const StopWatch watch;
     EXPECT_EQ(1u, Next());
     EXPECT_LT(watch.Seconds(), 5.0);
-    EXPECT_TRUE(IsFree(kLogIdMutexName));
+    EXPECT_TRUE(MutexIsFree(kLogIdMutexName));
 }
 
 TEST_F(RecordIdCounter, DoesNotNeedTheLockOfTheDatabases) {

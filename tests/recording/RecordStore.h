@@ -3,10 +3,10 @@
 
 #include <chrono>
 #include <optional>
-#include <thread>
 
 #include "store/ActionLogStore.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -36,17 +36,6 @@ protected:
 private:
     std::optional<CActionLogStore> m_store;
 };
-
-// Whether a named mutex can be had at once by another thread, which gives it back.
-inline bool IsFree(const wchar_t* mutexName) {
-    bool free = false;
-    std::thread([&] {
-        const CHandle mutex(CreateMutexW(nullptr, /*initialOwner=*/FALSE, mutexName));
-        free = WaitForSingleObject(mutex.Get(), 0) == WAIT_OBJECT_0;
-        if (free) ReleaseMutex(mutex.Get());
-    }).join();
-    return free;
-}
 
 class StopWatch {
 public:

@@ -51,7 +51,7 @@ protected:
     HRESULT Write(UINT32 id, std::wstring_view name) {
         const HRESULT result = WriteActionRecord(Store(), Action(id, name));
         EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
-        EXPECT_TRUE(IsFree(kSqliteAccessMutexName)) << "the lock must be given back";
+        EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName)) << "the lock must be given back";
         return result;
     }
 
@@ -73,7 +73,7 @@ TEST_F(RecordWriterFailure, OfAMissingEngineIsAPointerFailure) {
     EXPECT_EQ(E_POINTER, WriteActionRecord(store, nullptr));
     EXPECT_TRUE(action.keysRead.empty());
     EXPECT_FALSE(fs::exists(ActionLogPath()));
-    EXPECT_TRUE(IsFree(kSqliteAccessMutexName));
+    EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));
 }
 
 TEST_F(RecordWriterFailure, OfADamagedFileLeavesItAsItIs) {

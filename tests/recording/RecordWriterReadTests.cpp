@@ -26,7 +26,7 @@ protected:
         EXPECT_EQ(result, WriteActionRecord(Store(), action));
         EXPECT_EQ("0", RowCount());
         EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
-        EXPECT_TRUE(IsFree(kSqliteAccessMutexName));
+        EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));
     }
     void ExpectSkipped(ITslParamContainer* action) { ExpectNoRow(S_OK, action); }
 };

@@ -90,4 +90,9 @@ void StoreTest::MakeStoreFolder() {
     fs::create_directories(StoreFolder());
 }
 
+void StoreTest::MakeCounterFile(std::wstring_view lastId) {
+    MakeStoreFolder();
+    WriteBytes(CounterPath(), Utf16FileBytes(std::wstring(lastId) + L"\t\r\n"));
+}
+
 } // namespace tsl::test
