@@ -3,6 +3,7 @@
 
 #include "component/PluginDb.h"
 #include "component/com/ComClassFactory.h"
+#include "component/registration/TslIfDbActionLogModule.h"
 
 namespace tsl {
 
@@ -38,4 +39,16 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** result) {
 // S_OK when nothing of the module is in use, else S_FALSE.
 STDAPI DllCanUnloadNow() {
     return tsl::g_comModule.CanUnload() ? S_OK : S_FALSE;
+}
+
+// Registers the class for the machine and enters it in the engine's list. Needs an administrator.
+STDAPI DllRegisterServer() {
+    return tsl::AtBoundary(
+        [] { return tsl::CTslIfDbActionLogModule(tsl::g_module).RegisterServer(); });
+}
+
+// Takes all of it off again, as far as it is there.
+STDAPI DllUnregisterServer() {
+    return tsl::AtBoundary(
+        [] { return tsl::CTslIfDbActionLogModule(tsl::g_module).UnregisterServer(); });
 }

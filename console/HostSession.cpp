@@ -6,18 +6,38 @@
 #include "component/host/Identities.h"
 #include "component/host/ParamKeys.h"
 #include "console/Failure.h"
+#include "console/RegisteredPlugins.h"
 #include "console/StorePlace.h"
 #include "console/Text.h"
+#include "files/Paths.h"
 
 namespace tsl {
 
 namespace {
 
+constexpr UINT32 kOrdinaryLogKind = 1;
 constexpr wchar_t kPluginFileName[] = L"TslIfDbActionLog.dll";
 
 // Full path: a relative one would be searched for elsewhere than the user means.
 std::wstring FullPluginPath(const std::wstring& pluginPath) {
     return pluginPath.empty() ? ProgramFolder() + kPluginFileName : FullPath(pluginPath);
+}
+
+// The first enabled plug-in of the engine's list that can be created.
+CComPtr<ITslPluginDb2> CreateFirstRegistered() {
+    std::optional<CFailure> failure;
+    for (const RegisteredPlugin& plugin : ReadRegisteredPlugins()) {
+        if (!plugin.IsEnabled()) continue;
+        CComPtr<ITslPluginDb2> created;
+        const HRESULT result = CreateRegisteredPlugin(plugin, created);
+        if (SUCCEEDED(result)) return created;
+        if (!failure) {
+            failure.emplace("cannot load plug-in " + ToUtf8(plugin.classText), plugin.path, result);
+        }
+    }
+    if (failure) throw *failure;
+    throw CFailure(ExitCode::Denied, "there is no TslIfDbActionLog.dll beside tslhost, and no "
+                                     "enabled database plug-in is registered");
 }
 
 UINT32 RecordIdOf(const CVariant& answer) {
@@ -36,7 +56,17 @@ UINT32 RecordIdOf(const CVariant& answer) {
 } // namespace
 
 CHostSession::CHostSession(const std::wstring& pluginPath) {
+    LoadPlugin(pluginPath);
+    // First of all: an older store must be converted before it hands out ids.
+    SetLogKind(kOrdinaryLogKind);
+}
+
+void CHostSession::LoadPlugin(const std::wstring& pluginPath) {
     const std::wstring path = FullPluginPath(pluginPath);
+    if (pluginPath.empty() && !FileExists(path)) {
+        m_plugin = CreateFirstRegistered();
+        return;
+    }
     try {
         m_library.emplace(path);
         m_plugin = m_library->CreatePlugin();

@@ -16,7 +16,9 @@ namespace tsl {
 
 class CHostSession {
 public:
-    // Loads the component from the path, or from beside the executable where the path is empty.
+    // Loads the component from the path; where that is empty, from beside the executable, or, when
+    // it does not lie there, the first plug-in of the engine's list that is enabled and can be
+    // created.
     explicit CHostSession(const std::wstring& pluginPath);
 
     // The next record id.
@@ -35,6 +37,8 @@ public:
     void Delete(ITslParamContainer& arguments);
 
 private:
+    void LoadPlugin(const std::wstring& pluginPath);
+
     // Objects go before the library, the library before COM.
     CComInitialization m_com;
     CHostClassRegistration m_containerClass{CLSID_TslParamContainer, CreateParamContainer};

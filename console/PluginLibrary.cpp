@@ -1,26 +1,20 @@
 #include "console/PluginLibrary.h"
 
-#include <bit>
-
 #include "base/Hresult.h"
 #include "component/host/Identities.h"
 
 namespace tsl {
 
 CPluginLibrary::CPluginLibrary(const std::wstring& path)
-    : m_module(LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)) {
-    if (!m_module) throw CHresultError(HresultFromLastError());
-}
-
-CPluginLibrary::~CPluginLibrary() {
-    FreeLibrary(m_module);
+    : m_library(path, LOAD_WITH_ALTERED_SEARCH_PATH) {
+    if (!m_library) throw CHresultError(HresultFromLastError());
 }
 
 template <class Function>
 Function CPluginLibrary::Find(const char* name) const {
-    const FARPROC found = GetProcAddress(m_module, name);
+    const auto found = m_library.Find<Function>(name);
     if (!found) throw CHresultError(HresultFromLastError());
-    return std::bit_cast<Function>(found);
+    return found;
 }
 
 HRESULT CPluginLibrary::ClassObject(REFCLSID clsid, REFIID iid, void** result) const {

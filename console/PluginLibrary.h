@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/ComPtr.h"
+#include "base/LoadedLibrary.h"
 #include "component/host/ITslPluginDb.h"
 
 namespace tsl {
@@ -13,9 +14,6 @@ class CPluginLibrary {
 public:
     // Throws the Win32 error of a failed load as an HRESULT.
     explicit CPluginLibrary(const std::wstring& path);
-    CPluginLibrary(const CPluginLibrary&) = delete;
-    CPluginLibrary& operator=(const CPluginLibrary&) = delete;
-    ~CPluginLibrary();
 
     // The class factory of any class of the DLL.
     HRESULT ClassObject(REFCLSID clsid, REFIID iid, void** result) const;
@@ -30,7 +28,7 @@ private:
     template <class Function>
     Function Find(const char* name) const;
 
-    HMODULE m_module;
+    CLoadedLibrary m_library;
 };
 
 } // namespace tsl

@@ -35,7 +35,8 @@ ExitCode Run() {
     std::string plugin;
     app.add_flag("--json", context.json, "Print JSON instead of text");
     app.add_option("--plugin", plugin,
-                   "Path of TslIfDbActionLog.dll; default: beside this program");
+                   "Path of TslIfDbActionLog.dll; default: beside this program, else the plug-in "
+                   "that is registered");
     app.parse_complete_callback([&] { context.pluginPath = ToUtf16(plugin); });
     AddIdCommand(app, context);
     AddRecordCommand(app, context);
@@ -48,6 +49,7 @@ ExitCode Run() {
     AddDeleteCommand(app, context);
     AddMoveCommand(app, context);
     AddResetCommand(app, context);
+    AddPluginsCommand(app, context);
     AddWhoamiCommand(app, context);
     try {
         app.parse(ReversedArguments());

@@ -49,6 +49,11 @@ private:
 } // namespace
 
 ConsoleResult RunConsole(const std::wstring& arguments, const std::string& input) {
+    return RunConsoleAt(ProgramFolder() / L"tslhost.exe", arguments, input);
+}
+
+ConsoleResult RunConsoleAt(const std::filesystem::path& program, const std::wstring& arguments,
+                           const std::string& input) {
     const StreamFile in(L"tslhost_in_", input);
     const StreamFile out(L"tslhost_out_");
     const StreamFile err(L"tslhost_err_");
@@ -59,8 +64,7 @@ ConsoleResult RunConsole(const std::wstring& arguments, const std::string& input
     startup.hStdOutput = out.Get();
     startup.hStdError = err.Get();
 
-    const std::wstring program = (ProgramFolder() / L"tslhost.exe").wstring();
-    std::wstring command = L"\"" + program + L"\" " + arguments;
+    std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, /*inheritHandles=*/TRUE,
                         0, nullptr, nullptr, &startup, &started)) {

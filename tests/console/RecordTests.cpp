@@ -34,6 +34,30 @@ TEST_F(Console, RecordStoresEveryValue) {
                                    "FROM TslIf_DbActionLog"));
 }
 
+// The first id handed out would otherwise be 1 again, and its record would replace the old one.
+TEST_F(Console, ConvertsAnOlderStoreBeforeAnIdIsHandedOut) {
+    for (const wchar_t* const command : {L"id", L"record --name a --app 1 --user 1"}) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(command)));
+        std::filesystem::remove_all(StoreFolder());
+        MakeStoreFolder();
+        {
+            const FileDatabase older(ActionLogPath(), /*create=*/true);
+            older.Query("CREATE TABLE TslIf_DbActionLog (ActionLogId INTEGER, UsedLog INTEGER, "
+                        "AppId INTEGER, AppName TEXT, UserId INTEGER, ActionName TEXT, "
+                        "ActionParameters TEXT, AppLoggedTime REAL, PluginLoggedTime REAL, "
+                        "PreActionName TEXT, PreActionParameters TEXT, PreLoggedTime INTEGER, "
+                        "LogKind INTEGER)");
+            older.Query("INSERT INTO TslIf_DbActionLog (ActionLogId) VALUES (1)");
+            older.Query("CREATE TABLE TslIf_ActionRecordId (CurrentRecordId INTEGER, "
+                        "ActionLogId INTEGER)");
+            older.Query("INSERT INTO TslIf_ActionRecordId VALUES (1, 41)");
+        }
+        EXPECT_EQ("43\n", RunConsole(command).output);
+        EXPECT_EQ("1", FileDatabase(ActionLogPath())
+                           .Value("SELECT LogKind FROM TslIf_DbActionLog WHERE ActionLogId = 1"));
+    }
+}
+
 TEST_F(Console, CommonOptionsStandBeforeOrAfterTheCommand) {
     EXPECT_EQ("{\"id\":1}\n", RunConsole(L"--json id").output);
     EXPECT_EQ("{\"id\":2}\n", RunConsole(L"record --name a --app 1 --user 1 --json").output);

@@ -73,10 +73,12 @@ TEST_F(ModuleFile, ImportsFromDllsOfTheSystemOnly) {
     }
 }
 
-TEST_F(ModuleFile, ExportsTheTwoEntryPointsOfAComModule) {
+TEST_F(ModuleFile, ExportsTheFourEntryPointsOfAComServer) {
     std::vector<std::string> names = PeFile(ModulePath()).ExportedNames();
     std::ranges::sort(names);
-    EXPECT_EQ((std::vector<std::string>{"DllCanUnloadNow", "DllGetClassObject"}), names);
+    EXPECT_EQ((std::vector<std::string>{"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer",
+                                        "DllUnregisterServer"}),
+              names);
 }
 
 TEST_F(ModuleFile, NamesItsMakerAndProduct) {

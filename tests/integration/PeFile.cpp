@@ -21,14 +21,23 @@ const T& PeFile::At(size_t offset) const {
     return *reinterpret_cast<const T*>(m_bytes.data() + offset);
 }
 
+const IMAGE_NT_HEADERS64& PeFile::Headers() const {
+    return At<IMAGE_NT_HEADERS64>(m_headers);
+}
+
+std::vector<IMAGE_SECTION_HEADER> PeFile::Sections() const {
+    const size_t first = m_headers + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
+                         Headers().FileHeader.SizeOfOptionalHeader;
+    std::vector<IMAGE_SECTION_HEADER> sections;
+    for (size_t index = 0; index < Headers().FileHeader.NumberOfSections; ++index) {
+        sections.push_back(At<IMAGE_SECTION_HEADER>(first + index * sizeof(IMAGE_SECTION_HEADER)));
+    }
+    return sections;
+}
+
 // Where in the file the image's address lies.
 size_t PeFile::OffsetOf(DWORD address) const {
-    const auto& headers = At<IMAGE_NT_HEADERS64>(m_headers);
-    const size_t sections = m_headers + offsetof(IMAGE_NT_HEADERS64, OptionalHeader) +
-                            headers.FileHeader.SizeOfOptionalHeader;
-    for (size_t index = 0; index < headers.FileHeader.NumberOfSections; ++index) {
-        const auto& section =
-            At<IMAGE_SECTION_HEADER>(sections + index * sizeof(IMAGE_SECTION_HEADER));
+    for (const IMAGE_SECTION_HEADER& section : Sections()) {
         if (address >= section.VirtualAddress &&
             address - section.VirtualAddress < section.SizeOfRawData) {
             return section.PointerToRawData + (address - section.VirtualAddress);
@@ -45,7 +54,7 @@ std::string PeFile::Text(DWORD address) const {
 }
 
 IMAGE_DATA_DIRECTORY PeFile::Directory(size_t index) const {
-    return At<IMAGE_NT_HEADERS64>(m_headers).OptionalHeader.DataDirectory[index];
+    return Headers().OptionalHeader.DataDirectory[index];
 }
 
 template <class Descriptor>

@@ -1,4 +1,4 @@
-// Reads the import and export tables out of a 64-bit PE file, without loading it.
+// Reads headers and the import and export tables of a 64-bit PE file, without loading it.
 #pragma once
 
 #include <string>
@@ -17,6 +17,9 @@ public:
     std::vector<std::string> ImportedModules() const;
     // Names that it exports. Throws when it exports anything without a name.
     std::vector<std::string> ExportedNames() const;
+    // The headers that speak of the file as a whole, and of each of its sections.
+    const IMAGE_NT_HEADERS64& Headers() const;
+    std::vector<IMAGE_SECTION_HEADER> Sections() const;
 
 private:
     template <class T>
