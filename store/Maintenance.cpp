@@ -42,8 +42,8 @@ int ReadLastId(const CDatabase& database, const std::wstring& table, UINT32& las
 
 HRESULT Convert(CActionLogStore& store, const CDatabase& database) {
     int result = SetLogKinds(database, store.SelectedTable());
-    if (result != kSqliteOk) return SqliteResultToHresult(result);
     store.SelectTable(kTablePrefix, kRecordIdTable);
+    if (result != kSqliteOk) return SqliteResultToHresult(result);
     UINT32 lastId = 0;
     result = ReadLastId(database, store.SelectedTable(), lastId);
     if (result != kSqliteOk) return SqliteResultToHresult(result);

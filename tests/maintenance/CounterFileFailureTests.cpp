@@ -1,0 +1,187 @@
+// The counter file of a conversion cannot be made: the records have their kinds, the old table
+// stays, and the next run does it all again. Only a whole counter file marks a conversion.
+#include <functional>
+
+#include "tests/maintenance/OldStore.h"
+#include "tests/store/ImportHook.h"
+
+namespace tsl::test {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What happens to the writes and moves of the code under test.
+struct Disk {
+    // Before any hook: the system's own function.
+    decltype(&WriteFile) write = &WriteFile;
+    // May cut the write short; false lets it fail.
+    std::function<bool(DWORD& size)> takes;
+    DWORD moveError = ERROR_SUCCESS;
+    int moves = 0;
+    int cut = 0;
+};
+Disk* g_disk = nullptr;
+
+BOOL WINAPI FaultyWrite(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD written,
+                        LPOVERLAPPED overlapped) {
+    if (g_disk->takes(size)) return g_disk->write(file, bytes, size, written, overlapped);
+    *written = 0;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
+
+BOOL WINAPI FailedMove(LPCWSTR, LPCWSTR, DWORD) {
+    ++g_disk->moves;
+    SetLastError(g_disk->moveError);
+    return FALSE;
+}
+
+} // namespace
+
+class CounterFileFailure : public OldStoreTest {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(OldStoreTest::SetUp());
+        MakeOldStore("complete.sql");
+        before = ReadActionLog();
+        g_disk = &disk;
+    }
+    static fs::path CounterInTheMaking() { return CounterPath().wstring() + L".new"; }
+
+    // Fails with an error of the system's and stops before the old table is dropped.
+    void ExpectItStopsBeforeTheDrop() {
+        const HRESULT result = Maintain();
+        EXPECT_TRUE(FAILED(result));
+        EXPECT_EQ(FACILITY_WIN32, HRESULT_FACILITY(result));
+        ExpectLocksAreFree();
+        ExpectOnlyLogKindsAreSet(before);
+    }
+    void ExpectTheNextRunConverts() {
+        EXPECT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
+        ExpectCompleteStoreIsConverted(before);
+    }
+
+    // Of the counter's line, the disk takes that many bytes only.
+    void TakeOfTheLine(DWORD taken) {
+        disk.takes = [this, taken](DWORD& size) {
+            if (size == kLineSize && taken < size) {
+                ++disk.cut;
+                size = taken;
+            }
+            return true;
+        };
+    }
+    // Eight digits; with TAB, CR and LF.
+    static constexpr DWORD kNumberSize = 16;
+    static constexpr DWORD kLineSize = 22;
+
+    StoreImage before;
+    Disk disk;
+};
+
+TEST_F(CounterFileFailure, OfAFolderInItsPlaceIsNoConversion) {
+    fs::create_directory(CounterPath());
+    ExpectItStopsBeforeTheDrop();
+    ExpectTheSwitchWorks();
+    ExpectOnlyLogKindsAreSet(before);
+    EXPECT_TRUE(fs::is_directory(CounterPath()));
+    fs::remove(CounterPath());
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, OfAFullFolderInItsPlaceIsNoConversion) {
+    fs::create_directory(CounterPath());
+    WriteBytes(CounterPath() / L"file", {'x'});
+    ExpectItStopsBeforeTheDrop();
+    ExpectTheSwitchWorks();
+    EXPECT_EQ(Bytes{'x'}, ReadBytes(CounterPath() / L"file"));
+    fs::remove_all(CounterPath());
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, OfAFolderWhereItIsMadeIsNoConversion) {
+    fs::create_directory(CounterInTheMaking());
+    ExpectItStopsBeforeTheDrop();
+    ExpectTheSwitchWorks();
+    ExpectOnlyLogKindsAreSet(before);
+    EXPECT_TRUE(fs::is_directory(CounterInTheMaking()));
+    fs::remove(CounterInTheMaking());
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, SetsTheKindsOfRecordsWrittenMeanwhileAgain) {
+    fs::create_directory(CounterPath());
+    ExpectItStopsBeforeTheDrop();
+    ChangeActionLog("UPDATE TslIf_DbActionLog SET LogKind = 2 WHERE ActionLogId < 20");
+    fs::remove(CounterPath());
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, OfADiskThatIsFullIsNoConversion) {
+    for (const int failing : {1, 2}) {
+        SCOPED_TRACE(failing);
+        int writes = 0;
+        disk.takes = [&](DWORD&) { return ++writes != failing; };
+        const ImportHook hook("WriteFile", &FaultyWrite);
+        ExpectItStopsBeforeTheDrop();
+        EXPECT_FALSE(fs::exists(CounterInTheMaking()));
+        EXPECT_EQ(failing, writes) << "the mark, then the line";
+    }
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, OfADiskThatTakesHalfTheNumberIsNoConversion) {
+    const ImportHook hook("WriteFile", &FaultyWrite);
+    for (DWORD taken = 0; taken < kNumberSize; ++taken) {
+        SCOPED_TRACE(taken);
+        const int cutBefore = disk.cut;
+        TakeOfTheLine(taken);
+        ExpectItStopsBeforeTheDrop();
+        EXPECT_EQ(cutBefore + 1, disk.cut);
+        EXPECT_FALSE(fs::exists(CounterInTheMaking()));
+    }
+    TakeOfTheLine(kLineSize);
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, ToWriteTheEndOfTheLineLosesNoId) {
+    const ImportHook hook("WriteFile", &FaultyWrite);
+    TakeOfTheLine(kNumberSize);
+    const HRESULT result = Maintain();
+    EXPECT_EQ(1, disk.cut);
+    TakeOfTheLine(kLineSize);
+    EXPECT_EQ(result == S_OK ? E_FAIL : S_OK, Maintain());
+    EXPECT_EQ(Converted(before), ReadActionLog());
+    EXPECT_EQ(43u, NextId());
+}
+
+TEST_F(CounterFileFailure, ToBePutInPlaceIsNoConversion) {
+    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
+        SCOPED_TRACE(error);
+        disk.moveError = error;
+        disk.moves = 0;
+        const ImportHook hook("MoveFileExW", &FailedMove);
+        EXPECT_EQ(HRESULT_FROM_WIN32(error), Maintain());
+        EXPECT_EQ(1, disk.moves);
+        ExpectOnlyLogKindsAreSet(before);
+        EXPECT_FALSE(fs::exists(CounterInTheMaking()));
+    }
+    ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, LeftHalfWrittenByAnotherProcessIsNoConversion) {
+    for (const Bytes& half : {Bytes(), Bytes{0xFF, 0xFE}, Bytes{0xFF, 0xFE, '0', 0, '0'},
+                              CounterBytes(L"00000042"), Bytes(5000, 'x')}) {
+        SCOPED_TRACE(half.size());
+        fs::remove(ActionLogPath());
+        fs::remove(CounterPath());
+        MakeOldStore("complete.sql");
+        WriteBytes(CounterInTheMaking(), half);
+        EXPECT_EQ(S_OK, Maintain());
+        EXPECT_FALSE(fs::exists(CounterInTheMaking()));
+        ExpectCompleteStoreIsConverted(before);
+    }
+}
+
+} // namespace tsl::test
