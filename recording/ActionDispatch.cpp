@@ -28,16 +28,16 @@ CComPtr<ITslParamContainer> RecordDeleteAction(CActionLogStore& store, ITslParam
 } // namespace
 
 HRESULT DispatchAction(CActionLogStore& store, ITslParamContainer& action) {
-    const std::wstring name = ReadActionName(action);
+    const ActionName name = ReadActionName(action);
     const UINT32 logKind = store.LogKind();
-    if (IsSettingReset(name)) ResetUserRecords(store, &action);
+    if (IsSettingReset(name.changed)) ResetUserRecords(store, &action);
 
     CComPtr<ITslParamContainer> copy;
-    if (IsDeleteAction(name) && logKind == kLogKindOfKeptRecords) {
+    if (IsDeleteAction(name.text) && logKind == kLogKindOfKeptRecords) {
         copy = RecordDeleteAction(store, action);
-    } else if (IsContentMove(name)) {
+    } else if (IsContentMove(name.changed)) {
         MoveContent(store, action);
-    } else if (!IsExcludedFromActionLog(name, logKind)) {
+    } else if (!IsExcludedFromActionLog(name.text, logKind)) {
         WriteActionRecord(store, &action);
     }
     return WriteReplayRecord(store, action, copy ? *copy : action);

@@ -36,10 +36,13 @@ bool SameName(const std::wstring& name, const wchar_t* known) noexcept {
 
 } // namespace
 
-std::wstring ReadActionName(ITslParamContainer& container) {
+ActionName ReadActionName(ITslParamContainer& container) {
     CVariant value;
     if (container.GetValue(kKeyActionName, value.Address()) != S_OK) return {};
-    return TextOf(value.Get()).value_or(std::wstring());
+    ActionName name;
+    name.changed = TextOf(value.Get()).value_or(std::wstring());
+    if (value.Type() == VT_BSTR) name.text = name.changed;
+    return name;
 }
 
 bool IsDeleteAction(const std::wstring& name) noexcept {

@@ -8,8 +8,13 @@
 
 namespace tsl {
 
-// The action's name, turned into text; empty when there is none.
-std::wstring ReadActionName(ITslParamContainer& container);
+// The name of an action. The filters go by a name that is text; resets and content moves are known
+// by a value that only becomes text, too.
+struct ActionName {
+    std::wstring text;    // empty when the value is no text
+    std::wstring changed; // the value changed into text; empty when it cannot be
+};
+ActionName ReadActionName(ITslParamContainer& container);
 
 // Whether items of the host's are deleted by the action, in any mix of upper and lower case.
 bool IsDeleteAction(const std::wstring& name) noexcept;
