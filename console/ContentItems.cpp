@@ -1,5 +1,6 @@
 #include "console/ContentItems.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "console/JsonMembers.h"
@@ -54,8 +55,13 @@ std::vector<ContentItem> ParseContentItems(const std::string& text) {
     const Json& list = Member(object, "items");
     if (!list.is_array()) Refuse("\"items\"", "an array");
     std::vector<ContentItem> items;
-    for (const Json& item : list)
-        items.push_back(ToItem(item));
+    for (const Json& entry : list) {
+        ContentItem item = ToItem(entry);
+        if (std::ranges::find(items, item.id, &ContentItem::id) != items.end()) {
+            throw std::invalid_argument("there are two items " + std::to_string(item.id));
+        }
+        items.push_back(std::move(item));
+    }
     return items;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Hresult.h"
+#include "base/SameWords.h"
 #include "component/host/Identities.h"
 #include "component/host/ParamKeys.h"
 #include "console/Arrays.h"
@@ -11,11 +12,6 @@
 namespace tsl {
 
 namespace {
-
-bool SameWords(const std::wstring& left, const std::wstring& right) {
-    return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.c_str(), -1, right.c_str(), -1) ==
-           CSTR_EQUAL;
-}
 
 CComPtr<CTslParamContainer> ToContainer(const ContentItemProperty& property) {
     CComPtr<CTslParamContainer> container = CTslParamContainer::Create();

@@ -33,6 +33,8 @@ constexpr KnownResult kKnownResults[] = {
     {Code(0x8004160C), ExitCode::Denied, "the disk is full"},
     {Code(0x8004160D), ExitCode::Denied, "the database cannot be opened"},
     {Code(0x80041619), ExitCode::Damaged, "the file is no database"},
+    {REGDB_E_CLASSNOTREG, ExitCode::Denied, "the class is not registered"},
+    {HRESULT_FROM_WIN32(ERROR_ALREADY_EXISTS), ExitCode::Denied, "the file cannot be written"},
     {HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION), ExitCode::Locked,
      "another program uses the file"},
     {HRESULT_FROM_WIN32(ERROR_LOCK_VIOLATION), ExitCode::Locked, "another program locks the file"},

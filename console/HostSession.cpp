@@ -32,7 +32,7 @@ CComPtr<ITslPluginDb2> CreateFirstRegistered() {
         const HRESULT result = CreateRegisteredPlugin(plugin, created);
         if (SUCCEEDED(result)) return created;
         if (!failure) {
-            failure.emplace("cannot load plug-in " + ToUtf8(plugin.classText), plugin.path, result);
+            failure.emplace("cannot load plug-in", plugin.classText, result);
         }
     }
     if (failure) throw *failure;

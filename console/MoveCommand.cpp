@@ -62,9 +62,10 @@ void SaveItems(const std::string& file, const std::vector<ContentItem>& items) {
     std::ofstream output(made, std::ios::binary);
     output << ToJson(items).dump(2) << '\n';
     output.close();
-    if (!output || !MoveFileExW(made.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) {
-        throw CFailure("cannot write", path.wstring(), HresultFromLastError());
-    }
+    if (output && MoveFileExW(made.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return;
+    std::error_code ignored;
+    std::filesystem::remove(made, ignored);
+    throw CFailure(ExitCode::Denied, "cannot write " + file);
 }
 
 // The store for the class that the component creates.

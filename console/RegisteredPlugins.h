@@ -22,7 +22,8 @@ struct RegisteredPlugin {
     bool IsEnabled() const { return enable != 0; }
 };
 
-// In the engine's order: by their order values, equal ones by their classes. None when nothing is
+// In the engine's order, by their order values; equal ones by their classes, so that the order is
+// always the same. None when nothing is
 // registered; throws CHresultError when the list cannot be read.
 std::vector<RegisteredPlugin> ReadRegisteredPlugins();
 

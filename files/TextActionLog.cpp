@@ -29,10 +29,18 @@ UINT32 ParseLine(std::wstring_view line) {
 
 // A failed write is not always told.
 HRESULT CheckCounter(const std::wstring& path, UINT32 counter) {
-    UINT32 written = 0;
+    UINT32 written = ~counter;
     const HRESULT read = ReadCounter(path, written);
     if (FAILED(read)) return read;
     return written == counter ? S_OK : HresultFromWin32(ERROR_WRITE_FAULT);
+}
+
+// Moving a file into place does not bring what it holds to the disk.
+HRESULT Flush(const std::wstring& path) {
+    const CHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, /*shareMode=*/0,
+                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
+    return file && FlushFileBuffers(file.Get()) ? S_OK : HresultFromLastError();
 }
 
 HRESULT MoveOver(const std::wstring& from, const std::wstring& to) {
@@ -53,6 +61,7 @@ HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter) {
     const std::wstring made = path + L".new";
     HRESULT result = WriteCounter(made, counter);
     if (SUCCEEDED(result)) result = CheckCounter(made, counter);
+    if (SUCCEEDED(result)) result = Flush(made);
     if (SUCCEEDED(result)) result = MoveOver(made, path);
     if (FAILED(result)) DeleteFileW(made.c_str());
     return result;

@@ -1,5 +1,4 @@
-// What the name of an action decides about where it is recorded. Pure functions of the name;
-// callable from any thread.
+// What the name of an action decides about where it is recorded. Callable from any thread.
 #pragma once
 
 #include <string>

@@ -2,6 +2,7 @@
 
 #include <cwchar>
 
+#include "base/SameWords.h"
 #include "component/host/CommandCodes.h"
 #include "component/host/ParamKeys.h"
 #include "query/AnswerContainer.h"
@@ -14,11 +15,6 @@ namespace {
 CVariant ReadAnyValue(ITslParamContainer& container, UINT64 key) {
     CVariant value;
     return container.GetValue(key, value.Address()) == S_OK ? std::move(value) : CVariant();
-}
-
-bool SameWords(const std::wstring& left, const std::wstring& right) noexcept {
-    return CompareStringW(LOCALE_INVARIANT, NORM_IGNORECASE, left.c_str(), -1, right.c_str(), -1) ==
-           CSTR_EQUAL;
 }
 
 bool FirstTextMatches(const ContentProperty& property, const std::wstring& wanted) {

@@ -7,8 +7,9 @@ namespace tsl {
 
 // An older store kept the last record id in a table of the action log's database and had no log
 // kinds. Gives its records their log kinds, moves the id into the counter file and drops the table.
-// The counter file marks a store as converted: with it, nothing is touched. After a failure the
-// next call does it all again.
+// The counter file marks a store as converted: with it, nothing is touched.
+// After a failure before it is written the next call does it all again; after one behind it the old
+// table stays.
 //
 // Takes the SQLiteAccess lock, and the LogId lock inside it. Leaves the action log table or the old
 // table selected. S_OK after a conversion; E_FAIL for a store that needs none; E_POINTER without an

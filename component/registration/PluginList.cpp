@@ -65,7 +65,7 @@ LSTATUS DeleteEmptyKey(HKEY parent, const wchar_t* name) noexcept {
                        : RegDeleteKeyW(parent, name);
 }
 
-// Keys below go first. Each is the first one then, until there is none.
+// Deletes the keys below first. The next one is always at index 0, as the one before it is gone.
 LSTATUS DeleteKeyTree(HKEY parent, const wchar_t* name) noexcept {
     {
         CRegistryKey key;

@@ -6,7 +6,7 @@
 namespace tsl {
 
 // The list that an entry belongs to stands in bits 23..16 of a type word: 0x01 for database
-// plug-ins, 0x02 for engine plug-ins. The engine reads the low bits.
+// plug-ins, 0x02 for engine plug-ins. The other bits are stored and not read here.
 inline constexpr DWORD kPluginTypeToRegister = 0x0001001F;
 inline constexpr DWORD kPluginTypeToUnregister = 0x0001000F;
 

@@ -16,7 +16,7 @@ constexpr wchar_t kScriptType[] = L"REGISTRY";
 constexpr wchar_t kAppId[] = L"{1F3BD67A-CA6F-45A4-84E4-76B0C0505349}";
 
 // Texts stand in single quotes in a script.
-std::wstring DoubleQuotes(const std::wstring& text) {
+std::wstring DoubleSingleQuotes(const std::wstring& text) {
     std::wstring doubled;
     for (const wchar_t character : text) {
         if (character == L'\'') doubled += character;
@@ -59,7 +59,7 @@ HRESULT RunRegistryScripts(HMODULE module, std::initializer_list<UINT> scripts, 
     CComPtr<IRegistrar> registrar;
     HRESULT result = CreateRegistrar(library, registrar);
     if (SUCCEEDED(result)) {
-        result = registrar->AddReplacement(L"MODULE", DoubleQuotes(file).c_str());
+        result = registrar->AddReplacement(L"MODULE", DoubleSingleQuotes(file).c_str());
     }
     if (SUCCEEDED(result)) result = registrar->AddReplacement(L"APPID", kAppId);
     if (FAILED(result)) return result;

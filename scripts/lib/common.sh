@@ -9,3 +9,17 @@ die() {
   printf '%s: %s\n' "$(basename "$0")" "$1" >&2
   exit 1
 }
+
+# logged LOG COMMAND...: runs the command with its output in the file, and leaves its status in
+# logged_status. A step that fails ends the command, also when it is a function.
+logged() {
+  local log=$1
+  shift
+  set +e
+  (
+    set -e
+    "$@"
+  ) >"$log" 2>&1
+  logged_status=$?
+  set -e
+}

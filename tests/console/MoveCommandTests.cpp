@@ -91,6 +91,8 @@ TEST_F(MoveCommand, NamesWhatIsWrongWithTheItems) {
           Wrong{R"({"items":[{"properties":[]}]})", "\"id\" is missing"},
           Wrong{R"({"items":[{"id":-1,"properties":[]}]})", "\"id\" must be"},
           Wrong{R"({"items":[{"id":1,"properties":[{"number":"5"}]}]})", "\"number\" must be"},
+          Wrong{R"({"items":[{"id":1,"properties":[]},{"id":1,"properties":[]}]})",
+                "there are two items 1"},
           Wrong{R"({"items":[{"id":1,"properties":[{"third":"5"}]}]})",
                 "\"third\" is not known"}}) {
         SCOPED_TRACE(wrong.text);

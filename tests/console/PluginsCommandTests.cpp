@@ -94,8 +94,10 @@ TEST_F(PluginsCommand, ProgramAlonePassesOverWhatIsDisabledOrCannotBeCreated) {
     WriteStored(kEntryKey, L"Enable", NumberValue(0));
     const ConsoleResult result = RunConsoleAt(Alone(), L"id");
     EXPECT_EQ(5, result.exitCode);
-    EXPECT_EQ(0u, result.errors.find("tslhost: cannot load plug-in "
-                                     "{00000000-0000-0000-0000-000000000001}"))
+    EXPECT_EQ(0u, result.errors.find(
+                      "tslhost: cannot load plug-in "
+                      "{00000000-0000-0000-0000-000000000001}: 0x80040154 (the class is not "
+                      "registered)"))
         << result.errors;
 }
 

@@ -1,8 +1,8 @@
 // A component without its engine cannot delete.
 #include "query/Deletions.h"
 #include "tests/deletion/DeletionFixture.h"
-#include "tests/store/ComponentCopy.h"
 #include "tests/support/ComSession.h"
+#include "tests/support/ComponentCopy.h"
 
 namespace tsl::test {
 

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "tests/recording/RawContainer.h"
+#include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 

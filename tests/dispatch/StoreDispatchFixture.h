@@ -9,9 +9,9 @@
 #include "component/host/Identities.h"
 #include "console/ComInitialization.h"
 #include "tests/dispatch/Tables.h"
-#include "tests/query/HostContainers.h"
 #include "tests/recording/RecordStore.h"
 #include "tests/support/Containers.h"
+#include "tests/support/HostContainers.h"
 
 namespace tsl::test {
 

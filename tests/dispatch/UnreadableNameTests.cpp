@@ -1,6 +1,6 @@
 // Actions whose name is not held as text: nothing is recorded anywhere, and nothing is deleted.
 #include "tests/dispatch/DispatchFixture.h"
-#include "tests/recording/RawContainer.h"
+#include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 

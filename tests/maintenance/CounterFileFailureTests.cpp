@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "tests/maintenance/OldStore.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 
 namespace tsl::test {
 
@@ -129,6 +129,21 @@ TEST_F(CounterFileFailure, OfADiskThatIsFullIsNoConversion) {
         EXPECT_EQ(failing, writes) << "the mark, then the line";
     }
     ExpectTheNextRunConverts();
+}
+
+// The counter is then 0, which an empty file could be taken for.
+TEST_F(CounterFileFailure, OfADiskThatIsFullIsNoConversionAfterTheHighestIdEither) {
+    fs::remove(ActionLogPath());
+    MakeOldStore("highest-id.sql");
+    before = ReadActionLog();
+    {
+        disk.takes = [](DWORD&) { return false; };
+        const ImportHook hook("WriteFile", &FaultyWrite);
+        ExpectItStopsBeforeTheDrop();
+    }
+    EXPECT_FALSE(fs::exists(CounterPath()));
+    EXPECT_EQ(S_OK, Maintain());
+    EXPECT_TRUE(fs::exists(CounterPath()));
 }
 
 TEST_F(CounterFileFailure, OfADiskThatTakesHalfTheNumberIsNoConversion) {

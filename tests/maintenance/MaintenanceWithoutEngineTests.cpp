@@ -1,7 +1,7 @@
 // A component without its engine converts nothing, and switches recording on all the same.
 #include "store/Maintenance.h"
 #include "tests/maintenance/OldStore.h"
-#include "tests/store/ComponentCopy.h"
+#include "tests/support/ComponentCopy.h"
 
 namespace tsl::test {
 

@@ -3,7 +3,7 @@
 
 #include "base/Handle.h"
 #include "store/StoreLocks.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 
 namespace tsl::test {
 

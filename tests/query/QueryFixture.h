@@ -9,9 +9,9 @@
 #include "component/host/CommandCodes.h"
 #include "console/ComInitialization.h"
 #include "console/PluginLibrary.h"
-#include "tests/query/HostContainers.h"
 #include "tests/support/Containers.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/HostContainers.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 

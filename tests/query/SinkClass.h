@@ -7,32 +7,20 @@
 
 #include "component/host/ITslContentPropertySink.h"
 #include "component/host/Identities.h"
+#include "tests/support/OneObjectClass.h"
 
 namespace tsl::test {
 
-// The one sink that its own class object gives out. Counts the references to the sink.
-class SinkClass final : public IClassFactory {
+// The class of the sink, with the sink. Counts the references to the sink.
+class SinkClass final : public OneObjectClass {
 public:
-    HRESULT creationResult = S_OK;
     HRESULT putResult = S_OK;
     std::vector<std::pair<UINT64, std::wstring>> texts;
 
     ULONG Held() const { return m_sink.references; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID asked, void** result) override {
-        const bool known = asked == IID_IUnknown || asked == IID_IClassFactory;
-        *result = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID asked,
-                                             void** result) override {
-        *result = nullptr;
-        if (outer) return CLASS_E_NOAGGREGATION;
-        return FAILED(creationResult) ? creationResult : m_sink.QueryInterface(asked, result);
-    }
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL /*lock*/) override { return S_OK; }
+protected:
+    IUnknown& TheObject() override { return m_sink; }
 
 private:
     struct Sink final : public ITslContentPropertySink {

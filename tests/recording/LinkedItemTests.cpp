@@ -2,7 +2,7 @@
 #include "recording/LinkedItem.h"
 
 #include "tests/recording/LinkedActions.h"
-#include "tests/recording/RawContainer.h"
+#include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 

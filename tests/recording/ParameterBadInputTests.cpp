@@ -1,6 +1,6 @@
 // Values that a careless host hands in: wrong types, arrays that are not what their VARIANT says.
 #include "tests/recording/BuiltText.h"
-#include "tests/recording/RawContainer.h"
+#include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 

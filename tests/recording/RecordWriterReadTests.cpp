@@ -1,8 +1,8 @@
 // Actions that are skipped, and actions whose container cannot be read: no row in either case.
 #include "recording/RecordWriter.h"
 
-#include "tests/recording/RawContainer.h"
 #include "tests/recording/RecordStore.h"
+#include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 

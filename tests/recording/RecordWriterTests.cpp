@@ -1,8 +1,8 @@
 // The row that an action becomes: its thirteen values, its times, and the one row per record id.
 #include "recording/RecordWriter.h"
 
-#include "tests/recording/RawContainer.h"
 #include "tests/recording/RecordStore.h"
+#include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 

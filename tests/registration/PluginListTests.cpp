@@ -3,7 +3,7 @@
 
 #include "component/host/Identities.h"
 #include "tests/registration/RegistrationFixture.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 
 namespace tsl::test {
 

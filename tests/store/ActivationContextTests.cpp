@@ -7,8 +7,8 @@
 
 #include "base/Handle.h"
 #include "store/SqliteApi.h"
-#include "tests/store/ComponentCopy.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ComponentCopy.h"
+#include "tests/support/ImportHook.h"
 
 namespace tsl::test {
 

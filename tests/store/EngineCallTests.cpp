@@ -6,7 +6,7 @@
 #include <string>
 
 #include "store/Database.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 
 namespace tsl::test {
 

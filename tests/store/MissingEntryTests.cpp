@@ -4,7 +4,7 @@
 
 #include "store/ActionLogStore.h"
 #include "store/SqliteResult.h"
-#include "tests/store/ComponentCopy.h"
+#include "tests/support/ComponentCopy.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {

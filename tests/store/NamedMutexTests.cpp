@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {

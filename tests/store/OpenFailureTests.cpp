@@ -1,7 +1,7 @@
 // Databases that cannot be opened, and files that turn out to be unusable later.
 #include "store/ActionLogStore.h"
 #include "store/SqliteResult.h"
-#include "tests/store/ComponentCopy.h"
+#include "tests/support/ComponentCopy.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/StoreFixture.h"
 

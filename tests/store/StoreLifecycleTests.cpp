@@ -2,9 +2,9 @@
 #include <optional>
 
 #include "store/ActionLogStore.h"
-#include "tests/store/ComponentCopy.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ComponentCopy.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreFixture.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/Hresult.h"
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 
 namespace tsl::test {
 

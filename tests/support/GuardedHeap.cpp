@@ -107,6 +107,15 @@ void Free(void* block) noexcept {
     if (oldest) VirtualFree(oldest, 0, MEM_RELEASE);
 }
 
+// Runs when everything of the module has ended: a DLL that is loaded again and again would
+// otherwise use up the process's addresses.
+[[gnu::destructor(101)]] void ReleaseQuarantine() {
+    for (std::atomic<unsigned char*>& place : g_quarantine) {
+        unsigned char* const region = place.exchange(nullptr);
+        if (region) VirtualFree(region, 0, MEM_RELEASE);
+    }
+}
+
 } // namespace
 
 void* operator new(std::size_t size) {

@@ -1,5 +1,5 @@
 // The import table of this program.
-#include "tests/store/ImportHook.h"
+#include "tests/support/ImportHook.h"
 
 #include <stdexcept>
 #include <string>

@@ -1,5 +1,5 @@
 // Copies of the component, and the export table in an engine's file.
-#include "tests/store/ComponentCopy.h"
+#include "tests/support/ComponentCopy.h"
 
 #include <cstring>
 #include <stdexcept>

@@ -1,4 +1,4 @@
-#include "tests/query/HostContainers.h"
+#include "tests/support/HostContainers.h"
 
 #include "base/Hresult.h"
 #include "component/host/Identities.h"
