@@ -38,8 +38,8 @@ protected:
     // Makes the store folder, for tests that put files into it beforehand.
     static void MakeStoreFolder();
 
-    // Makes a store of today's form, of which the last id was handed out: one without a counter file
-    // is taken for an older one, which SetRecordingEnabled converts.
+    // Makes a store of today's form, of which the last id was handed out: one without a counter
+    // file is taken for an older one, which SetRecordingEnabled converts.
     static void MakeCounterFile(std::wstring_view lastId = L"00000000");
 };
 
