@@ -4,6 +4,13 @@
 
 namespace tsl {
 
+namespace {
+
+// As long as the lock of the databases is waited for.
+constexpr ULONGLONG kReaderPatienceMilliseconds = 3000;
+
+} // namespace
+
 int CDatabase::Open(const SqliteApi& engine, const std::wstring& path) {
     Close();
     m_engine = &engine;
@@ -90,7 +97,12 @@ int CTransaction::Begin() {
 }
 
 int CTransaction::Commit() {
-    const int result = ExecuteStatement(m_database, L"COMMIT");
+    const ULONGLONG start = GetTickCount64();
+    int result = ExecuteStatement(m_database, L"COMMIT");
+    while (result == kSqliteBusy && GetTickCount64() - start < kReaderPatienceMilliseconds) {
+        Sleep(1);
+        result = ExecuteStatement(m_database, L"COMMIT");
+    }
     if (result == kSqliteOk) m_open = false;
     return result;
 }

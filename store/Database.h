@@ -88,6 +88,8 @@ public:
 
     // Takes the file's write lock at once, so that a busy file is told before anything is done.
     int Begin();
+    // Some queries take no lock, and whoever reads the file keeps a commit from it: waits up to 3 s
+    // for readers that are in it. New ones are kept out meanwhile.
     int Commit();
 
 private:

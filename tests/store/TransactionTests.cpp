@@ -1,5 +1,5 @@
 // Transactions on a file that others read and write too.
-#include <optional>
+#include <thread>
 
 #include "store/Database.h"
 #include "tests/support/FileDatabase.h"
@@ -82,6 +82,22 @@ TEST_F(Transaction, TakesTheWriteLockAtOnce) {
     EXPECT_EQ("0", other.Value("SELECT COUNT(*) FROM t")) << "readers are kept out too";
 }
 
+TEST_F(Transaction, CommitsWhenTheReadersHaveLeft) {
+    const FileDatabase reader(ActionLogPath());
+    CTransaction transaction(m_database);
+    ASSERT_EQ(kSqliteOk, transaction.Begin());
+    ASSERT_EQ(kSqliteOk, Insert());
+    reader.Query("BEGIN");
+    ASSERT_EQ("0", reader.Value("SELECT COUNT(*) FROM t"));
+    std::thread leaving([&] {
+        Sleep(300);
+        reader.Query("COMMIT");
+    });
+    EXPECT_EQ(kSqliteOk, transaction.Commit());
+    leaving.join();
+    EXPECT_EQ("1", Count());
+}
+
 TEST_F(Transaction, WhoseCommitFailsIsRolledBack) {
     const FileDatabase other(ActionLogPath());
     {
@@ -90,7 +106,11 @@ TEST_F(Transaction, WhoseCommitFailsIsRolledBack) {
         ASSERT_EQ(kSqliteOk, Insert());
         other.Query("BEGIN");
         ASSERT_EQ("0", other.Value("SELECT COUNT(*) FROM t"));
-        EXPECT_EQ(kBusy, transaction.Commit()) << "a reader does not hold the commit up";
+        const ULONGLONG start = GetTickCount64();
+        EXPECT_EQ(kBusy, transaction.Commit());
+        const ULONGLONG waited = GetTickCount64() - start;
+        EXPECT_GE(waited, 2900u) << "a reader may take its time";
+        EXPECT_LT(waited, 6000u) << "but not all of it";
     }
     other.Query("COMMIT");
     EXPECT_EQ("0", Count());

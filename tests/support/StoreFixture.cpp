@@ -54,8 +54,12 @@ fs::path ReplayPath() {
 
 Bytes ReadBytes(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error("cannot read " + path.string());
-    return Bytes(std::istreambuf_iterator<char>(file), {});
+    Bytes bytes(file ? fs::file_size(path) : 0);
+    if (!file.read(reinterpret_cast<char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()))) {
+        throw std::runtime_error("cannot read " + path.string());
+    }
+    return bytes;
 }
 
 void WriteBytes(const fs::path& path, const Bytes& bytes) {
