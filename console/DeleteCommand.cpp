@@ -1,7 +1,6 @@
 // tslhost delete
 #include <algorithm>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "component/host/ParamKeys.h"
 #include "console/Commands.h"
@@ -70,21 +69,13 @@ void CheckForm(const DeleteOptions& options) {
     }
 }
 
-void Report(size_t count, bool removed, bool json) {
-    if (json) {
-        PrintLine(nlohmann::ordered_json({{"records", count}, {"removed", removed}}).dump());
-        return;
-    }
-    PrintLine(CountOfRecords(count) + (removed ? " removed" : " would be removed"));
-}
-
 ExitCode Delete(DeleteOptions options, const CommandContext& context) {
     CheckForm(options);
     if (!options.selection.kind) options.selection.kind = 1;
     CHostSession session(context.pluginPath);
     const size_t count = Count(session, options);
     if (options.dryRun || count == 0 || !options.yes) {
-        Report(count, /*removed=*/false, context.json);
+        PrintRemoval(count, /*removed=*/false, context.json);
         if (count == 0) return ExitCode::NothingFound;
         if (options.dryRun) return ExitCode::Fine;
         PrintError("nothing was removed; add --yes to remove them");
@@ -94,7 +85,7 @@ ExitCode Delete(DeleteOptions options, const CommandContext& context) {
     session.Delete(*Arguments(options));
     // Others may write and delete meanwhile, so what is left is counted too.
     const size_t left = Count(session, options);
-    Report(count - std::min(count, left), /*removed=*/true, context.json);
+    PrintRemoval(count - std::min(count, left), /*removed=*/true, context.json);
     return ExitCode::Fine;
 }
 

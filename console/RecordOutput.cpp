@@ -59,6 +59,14 @@ std::string CountOfRecords(size_t count) {
     return count == 1 ? "1 record" : std::to_string(count) + " records";
 }
 
+void PrintRemoval(size_t count, bool removed, bool json) {
+    if (json) {
+        PrintLine(nlohmann::ordered_json({{"records", count}, {"removed", removed}}).dump());
+    } else {
+        PrintLine(CountOfRecords(count) + (removed ? " removed" : " would be removed"));
+    }
+}
+
 void PrintIds(std::span<const UINT64> ids, bool json) {
     for (const UINT64 id : ids) {
         const std::string number = std::to_string(id);

@@ -18,6 +18,9 @@ void PrintRecords(std::span<const StoredRecord> records, bool json);
 // "1 record", "2 records".
 std::string CountOfRecords(size_t count);
 
+// How many records a command removed, or would remove.
+void PrintRemoval(size_t count, bool removed, bool json);
+
 // One id a line.
 void PrintIds(std::span<const UINT64> ids, bool json);
 

@@ -17,14 +17,14 @@ constexpr wchar_t kListKey[] = L"Software\\Corvane Corporation\\Tessaly\\DB Plug
 
 // Empty and 0 for what is absent or of another type.
 std::wstring ReadText(HKEY key, const wchar_t* subKey, const wchar_t* value) {
-    constexpr DWORD kTypes = RRF_RT_REG_SZ; // expands the other kind of text
+    constexpr DWORD kText = RRF_RT_REG_SZ; // texts with variables too, expanded
     DWORD size = 0;
-    if (RegGetValueW(key, subKey, value, kTypes, nullptr, nullptr, &size) != ERROR_SUCCESS) {
+    if (RegGetValueW(key, subKey, value, kText, nullptr, nullptr, &size) != ERROR_SUCCESS) {
         return {};
     }
     std::wstring text(size / sizeof(wchar_t) + 1, L'\0');
     size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    if (RegGetValueW(key, subKey, value, kTypes, nullptr, text.data(), &size) != ERROR_SUCCESS) {
+    if (RegGetValueW(key, subKey, value, kText, nullptr, text.data(), &size) != ERROR_SUCCESS) {
         return {};
     }
     return text.c_str();

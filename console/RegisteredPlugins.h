@@ -23,8 +23,8 @@ struct RegisteredPlugin {
 };
 
 // In the engine's order, by their order values; equal ones by their classes, so that the order is
-// always the same. None when nothing is
-// registered; throws CHresultError when the list cannot be read.
+// always the same. None when nothing is registered; throws CHresultError when the list cannot be
+// read.
 std::vector<RegisteredPlugin> ReadRegisteredPlugins();
 
 // Creates a registered plug-in as the engine does. REQUIRES: COM is initialised on the thread.

@@ -38,14 +38,6 @@ HostAction ResetAction(const ResetOptions& options) {
     return action;
 }
 
-void PrintDryRun(size_t count, bool json) {
-    if (json) {
-        PrintLine(nlohmann::ordered_json({{"records", count}, {"removed", false}}).dump());
-    } else {
-        PrintLine(CountOfRecords(count) + " would be removed");
-    }
-}
-
 void PrintReset(size_t count, UINT32 id, bool json) {
     if (json) {
         PrintLine(
@@ -61,7 +53,7 @@ ExitCode Reset(const ResetOptions& options, const CommandContext& context) {
     CHostSession session(context.pluginPath);
     const std::vector<UINT32> before = SelectIds(session, RecordsOf(options));
     if (options.dryRun) {
-        PrintDryRun(before.size(), context.json);
+        PrintRemoval(before.size(), /*removed=*/false, context.json);
         return ExitCode::Fine;
     }
     const UINT32 id = session.Record(ResetAction(options));

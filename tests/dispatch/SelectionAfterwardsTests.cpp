@@ -2,6 +2,7 @@
 // the next action is recorded.
 #include "tests/dispatch/FullAction.h"
 #include "tests/dispatch/StoreDispatchFixture.h"
+#include "tests/support/ForwardingContainer.h"
 
 namespace tsl::test {
 
@@ -10,39 +11,21 @@ namespace {
 // What happens at the chosen read.
 enum class Fault { Fails, Throws };
 
-// Forwards to another container until its chosen read, counted from 1. Lives on the stack of the
-// test; references are not counted.
-class FaultyContainer final : public ITslParamContainer {
+// Forwards to another container but for its chosen read, counted from 1.
+class FaultyContainer final : public ForwardingContainer {
 public:
     FaultyContainer(CComPtr<CTslParamContainer> inner, int faultyRead, Fault fault)
-        : m_inner(std::move(inner)), m_faultyRead(faultyRead), m_fault(fault) {}
+        : ForwardingContainer(std::move(inner)), m_faultyRead(faultyRead), m_fault(fault) {}
 
     bool FaultHappened() const { return m_reads >= m_faultyRead; }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
-        const bool known = iid == IID_IUnknown || iid == IID_ITslParamContainer;
-        *result = known ? this : nullptr;
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* code) override {
-        return m_inner->GetCommandCode(code);
-    }
-    HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 code) override {
-        return m_inner->SetCommandCode(code);
-    }
     HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
         const HRESULT read = CountRead();
-        return FAILED(read) ? read : m_inner->GetValue(key, value);
+        return FAILED(read) ? read : ForwardingContainer::GetValue(key, value);
     }
-    HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
-        return m_inner->SetValue(key, value);
-    }
-    HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override { return m_inner->RemoveValue(key); }
     HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override {
         const HRESULT read = CountRead();
-        return FAILED(read) ? read : m_inner->GetKeys(keys);
+        return FAILED(read) ? read : ForwardingContainer::GetKeys(keys);
     }
 
 private:
@@ -52,7 +35,6 @@ private:
         return E_ACCESSDENIED;
     }
 
-    CComPtr<CTslParamContainer> m_inner;
     int m_faultyRead;
     Fault m_fault;
     int m_reads = 0;
