@@ -2,8 +2,8 @@
 #include "base/Handle.h"
 #include "base/LocalMemory.h"
 #include "component/host/CommandCodes.h"
-#include "tests/integration/ProcessMeasures.h"
 #include "tests/support/PluginFixture.h"
+#include "tests/support/ProcessMeasures.h"
 #include "tests/support/StoreChecks.h"
 
 namespace tsl::test {

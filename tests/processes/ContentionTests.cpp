@@ -1,12 +1,11 @@
 // Many host processes on one store: every id once, every acknowledged record in both databases.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <iostream>
 #include <numeric>
 
 #include "tests/processes/WorkerProcess.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/FullForm.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 
@@ -16,10 +15,8 @@ namespace {
 
 using ::testing::IsEmpty;
 
-// A short form unless TSL_TEST_CALLS names how many calls each process makes.
 int CallsOfEach() {
-    const char* const calls = std::getenv("TSL_TEST_CALLS");
-    return calls ? std::atoi(calls) : 50;
+    return InForm(50, 1000);
 }
 
 std::vector<WorkerCall> RunAll(const std::vector<std::pair<std::wstring, int>>& modes) {
@@ -33,7 +30,7 @@ std::vector<WorkerCall> RunAll(const std::vector<std::pair<std::wstring, int>>& 
     }
     for (const char* const operation : {"id", "notify", "fetch", "read"}) {
         const std::vector<WorkerCall> chosen = CallsOf(calls, operation);
-        if (!chosen.empty()) std::cout << DescribeTimes(chosen) << '\n';
+        if (!chosen.empty()) Measured(DescribeTimes(chosen));
     }
     return calls;
 }
@@ -91,7 +88,7 @@ TEST_F(Contention, ReadersWithoutALockLoseNoRecordOfWriters) {
     modes.insert(modes.end(), 4, {L"read", 4 * CallsOfEach()});
     const std::vector<WorkerCall> calls = RunAll(modes);
     ExpectEveryRecord(calls, 8);
-    std::cout << FailuresOf(CallsOf(calls, "read")).size() << " reads failed\n";
+    Measured(std::to_string(FailuresOf(CallsOf(calls, "read")).size()) + " reads failed");
 }
 
 } // namespace tsl::test
