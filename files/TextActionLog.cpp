@@ -27,6 +27,19 @@ UINT32 ParseLine(std::wstring_view line) {
     return std::wcstoul(std::wstring(line).c_str(), /*end=*/nullptr, /*base=*/10);
 }
 
+// The number on the last line; left alone where there is no line.
+bool ParseLastLine(const CHandle& file, UINT32& counter) {
+    const std::vector<std::wstring> lines = SplitLines(ReadText(file));
+    if (lines.empty()) return false;
+    counter = ParseLine(lines.back());
+    return true;
+}
+
+HRESULT Write(const OpenedTextFile& opened, const std::wstring& path, UINT32 counter) {
+    GrantFileAccess(path);
+    return WriteText(opened.file, FormatLine(counter)) ? S_OK : opened.status;
+}
+
 // A failed write is not always told.
 HRESULT CheckCounter(const std::wstring& path, UINT32 counter) {
     UINT32 written = ~counter;
@@ -51,10 +64,27 @@ HRESULT MoveOver(const std::wstring& from, const std::wstring& to) {
 } // namespace
 
 HRESULT WriteCounter(const std::wstring& path, UINT32 counter) {
-    const OpenedTextFile opened = CreateTextFile(path);
+    const OpenedTextFile opened = OpenTextFileForWriting(path);
+    return opened.file ? Write(opened, path, counter) : opened.status;
+}
+
+HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter) {
+    const OpenedTextFile opened = OpenTextFileForWriting(path);
     if (!opened.file) return opened.status;
-    GrantFileAccess(path);
-    return WriteText(opened.file, FormatLine(counter)) ? S_OK : opened.status;
+    counter = 1;
+    if (opened.status == HresultFromWin32(ERROR_ALREADY_EXISTS)) {
+        ParseLastLine(opened.file, counter);
+        ++counter;
+    }
+    return Write(opened, path, counter);
+}
+
+void RaiseCounter(const std::wstring& path, UINT32 counter) {
+    const OpenedTextFile opened = OpenTextFileForUpdate(path);
+    if (!opened.file) return;
+    UINT32 present = 0;
+    ParseLastLine(opened.file, present);
+    if (present <= counter) Write(opened, path, counter);
 }
 
 HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter) {
@@ -73,12 +103,7 @@ HRESULT ReadCounter(const std::wstring& path, UINT32& counter) {
     }
     const OpenedTextFile opened = OpenTextFileForReading(path);
     if (!opened.file) return opened.status;
-    HRESULT result = opened.status;
-    for (const std::wstring& line : SplitLines(ReadText(opened.file))) {
-        counter = ParseLine(line);
-        result = S_OK;
-    }
-    return result;
+    return ParseLastLine(opened.file, counter) ? S_OK : opened.status;
 }
 
 } // namespace tsl

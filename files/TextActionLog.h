@@ -12,8 +12,17 @@ inline constexpr wchar_t kCounterFileName[] = L"actionLog.txt";
 
 // Rewrites the file with the counter. S_OK when it was written. A failed open gives its Win32
 // error; a failed write gives the status of the open, which is S_OK for a new file and 0x800700B7
-// for one that was there.
+// for one that was there. A process that is ended meanwhile leaves the old counter or the new one.
 HRESULT WriteCounter(const std::wstring& path, UINT32 counter);
+
+// Adds one to the counter, which it hands out: 1 where there is no file, 2 where it has no line.
+// The file is open for nobody else from the reading to the writing, so that no counter is handed
+// out twice even when the wait for the lock has timed out. Results as those of WriteCounter.
+HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter);
+
+// Rewrites a file that is there with the counter unless its own is higher, in one piece like
+// AdvanceCounter. A file that cannot be opened stays as it is.
+void RaiseCounter(const std::wstring& path, UINT32 counter);
 
 // The same in one step: a process that ends meanwhile leaves the old file, or none, and never half
 // a one. S_OK, or the Win32 error with the file as it was.

@@ -96,7 +96,7 @@ HRESULT WriteUserIdList(const std::vector<UserIdEntry>& entries) {
     const CWriterSection section;
     if (!GrantFolderAccess(Prefixed(folder))) return E_INVALIDARG;
     const std::wstring path = Prefixed(folder + kUserIdFileName);
-    const OpenedTextFile opened = CreateTextFile(path);
+    const OpenedTextFile opened = OpenTextFileForWriting(path);
     if (!opened.file) return opened.status;
     GrantFileAccess(path);
     std::wstring text;

@@ -31,8 +31,12 @@ OpenedTextFile OpenTextFileForReading(const std::wstring& path) {
     return Open(path, GENERIC_READ, OPEN_EXISTING);
 }
 
-OpenedTextFile CreateTextFile(const std::wstring& path) {
-    return Open(path, GENERIC_READ | GENERIC_WRITE, CREATE_ALWAYS);
+OpenedTextFile OpenTextFileForWriting(const std::wstring& path) {
+    return Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS);
+}
+
+OpenedTextFile OpenTextFileForUpdate(const std::wstring& path) {
+    return Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
 }
 
 std::wstring ReadText(const CHandle& file) {
@@ -54,8 +58,10 @@ std::wstring ReadText(const CHandle& file) {
 }
 
 bool WriteText(const CHandle& file, std::wstring_view text) {
+    SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
     return WriteBytes(file, &kByteOrderMark, kByteOrderMarkSize) &&
-           WriteBytes(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t)));
+           WriteBytes(file, text.data(), static_cast<DWORD>(text.size() * sizeof(wchar_t))) &&
+           SetEndOfFile(file.Get());
 }
 
 std::vector<std::wstring> SplitLines(std::wstring_view text) {

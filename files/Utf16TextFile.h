@@ -22,14 +22,18 @@ struct OpenedTextFile {
 
 OpenedTextFile OpenTextFileForReading(const std::wstring& path);
 
-// Creates the file or empties an existing one.
-OpenedTextFile CreateTextFile(const std::wstring& path);
+// Creates the file or opens what is there, for reading and writing. Nothing is cut off yet, so that
+// a process that is ended before it writes leaves the old text.
+OpenedTextFile OpenTextFileForWriting(const std::wstring& path);
+// The same, but for a file that is there.
+OpenedTextFile OpenTextFileForUpdate(const std::wstring& path);
 
 // The text behind the byte order mark, or from the first byte where there is none. An odd last byte
 // is left out; what cannot be read gives an empty text.
 std::wstring ReadText(const CHandle& file);
 
-// Writes byte order mark and text; false when either could not be written.
+// Makes byte order mark and text all that the file holds; false when any of it could not be
+// written.
 bool WriteText(const CHandle& file, std::wstring_view text);
 
 // The lines of a text, without their breaks. A break at the very start of the text is no break, and

@@ -3,7 +3,6 @@
 #include "component/host/CommandCodes.h"
 #include "component/host/ParamKeys.h"
 #include "files/DataFolders.h"
-#include "files/Paths.h"
 #include "files/TextActionLog.h"
 #include "query/AnswerContainer.h"
 
@@ -29,14 +28,8 @@ HRESULT NextRecordId(CActionLogStore& store, ITslParamContainer* container, VARI
     if (!container) return E_POINTER;
 
     const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    const std::wstring path = DbFolder() + kCounterFileName;
-    if (FileExists(path)) {
-        const HRESULT read = ReadCounter(path, counter);
-        if (FAILED(read)) return read;
-        ++counter;
-    }
-    const HRESULT written = WriteCounter(path, counter);
-    return FAILED(written) ? written : AnswerRecordId(counter, result);
+    const HRESULT advanced = AdvanceCounter(DbFolder() + kCounterFileName, counter);
+    return FAILED(advanced) ? advanced : AnswerRecordId(counter, result);
 }
 
 } // namespace tsl

@@ -17,11 +17,7 @@ void RaiseCounterForFirstId(CActionLogStore& store, UINT32 firstId) {
     if (counter >= firstId) return;
 
     const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    const std::wstring path = DbFolder() + kCounterFileName;
-    // Others may have raised the counter since it was read.
-    if (SUCCEEDED(ReadCounter(path, counter)) && counter < firstId) {
-        WriteCounter(path, firstId - 1);
-    }
+    RaiseCounter(DbFolder() + kCounterFileName, firstId - 1);
 }
 
 HRESULT SeedCounter(CActionLogStore& store, UINT32 counter) {

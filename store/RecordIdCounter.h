@@ -11,7 +11,7 @@ HRESULT ReadCounterUnderLock(CActionLogStore& store, UINT32& counter);
 
 // Makes sure that ids handed out from now on are not below the id given: raises a lower counter to
 // the id before it. A counter file that is missing, or cannot be read, stays as it is. The counter
-// never goes back: it is read again under the lock before it is written.
+// never goes back: it is read again before it is written.
 void RaiseCounterForFirstId(CActionLogStore& store, UINT32 firstId);
 
 // Writes the counter that an older store is converted with, taking the LogId lock; the file is

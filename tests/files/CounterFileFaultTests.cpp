@@ -54,7 +54,7 @@ TEST_F(CounterFileFaultTest, FilesAreOpenedForNobodyElse) {
     EXPECT_EQ(S_OK, ReadCounter(Path(), counter));
     EXPECT_EQ(42u, counter);
     EXPECT_THAT(opens,
-                ElementsAre(Open{Path(), GENERIC_READ | GENERIC_WRITE, 0, CREATE_ALWAYS,
+                ElementsAre(Open{Path(), GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL},
                             Open{Path(), GENERIC_READ, 0, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL}));
 }
@@ -80,6 +80,22 @@ TEST_F(CounterFileFaultTest, FailedWriteOfTheLineGivesTheStatusOfTheOpen) {
     EXPECT_EQ(Utf16FileBytes(L""), ReadBytes(Path()));
     FailWrite(2, ERROR_DISK_FULL);
     EXPECT_EQ(kAlreadyExists, WriteCounter(Path(), 42)) << "a file that was there";
+}
+
+// The same holds for a process that is ended between two writes.
+TEST_F(CounterFileFaultTest, FailedWriteLeavesTheOldCounter) {
+    for (const size_t failing : {1u, 2u}) {
+        SCOPED_TRACE(failing);
+        const Bytes old = Utf16FileBytes(L"00000041\t\r\n");
+        WriteBytes(Path(), old);
+        FailWrite(failing, ERROR_DISK_FULL);
+        EXPECT_EQ(kAlreadyExists, WriteCounter(Path(), 42));
+        EXPECT_EQ(old, ReadBytes(Path()));
+        UINT32 counter = kUntouched;
+        FailWrite(failing, ERROR_DISK_FULL);
+        EXPECT_EQ(kAlreadyExists, AdvanceCounter(Path(), counter));
+        EXPECT_EQ(old, ReadBytes(Path()));
+    }
 }
 
 TEST_F(CounterFileFaultTest, LineIsNotWrittenBehindAMissingMark) {

@@ -60,7 +60,7 @@ TEST_F(Utf16TextFileTest, WrittenTextIsReadBack) {
           std::wstring(L"a\0b", 3), std::wstring(L"\xD800 lone \xDC00"),
           std::wstring(1'000'000, L'\x6F22')}) {
         SCOPED_TRACE(text.size());
-        EXPECT_TRUE(WriteText(CreateTextFile(At(L"file")).file, text));
+        EXPECT_TRUE(WriteText(OpenTextFileForWriting(At(L"file")).file, text));
         EXPECT_EQ(Utf16FileBytes(text), ReadBytes(At(L"file")));
         EXPECT_EQ(text, TextOf(At(L"file")));
     }
@@ -75,8 +75,8 @@ TEST_F(Utf16TextFileTest, MarkIsLeftOutOnlyAtTheStart) {
 
 TEST_F(Utf16TextFileTest, StatusTellsWhetherAFileWasThere) {
     SetLastError(ERROR_ACCESS_DENIED);
-    EXPECT_EQ(S_OK, CreateTextFile(At(L"file")).status);
-    EXPECT_EQ(kAlreadyExists, CreateTextFile(At(L"file")).status);
+    EXPECT_EQ(S_OK, OpenTextFileForWriting(At(L"file")).status);
+    EXPECT_EQ(kAlreadyExists, OpenTextFileForWriting(At(L"file")).status);
     SetLastError(ERROR_ACCESS_DENIED);
     EXPECT_EQ(S_OK, OpenTextFileForReading(At(L"file")).status);
     const OpenedTextFile missing = OpenTextFileForReading(At(L"none"));
@@ -84,10 +84,20 @@ TEST_F(Utf16TextFileTest, StatusTellsWhetherAFileWasThere) {
     EXPECT_EQ(kFileNotFound, missing.status);
 }
 
-TEST_F(Utf16TextFileTest, CreatingEmptiesTheFile) {
-    WriteBytes(At(L"file"), {1, 2, 3});
-    EXPECT_TRUE(CreateTextFile(At(L"file")).file);
-    EXPECT_EQ(Bytes{}, ReadBytes(At(L"file")));
+TEST_F(Utf16TextFileTest, OpeningLeavesTheOldTextAndWritingReplacesAllOfIt) {
+    WriteBytes(At(L"file"), Utf16FileBytes(L"a longer text"));
+    {
+        const OpenedTextFile opened = OpenTextFileForWriting(At(L"file"));
+        ASSERT_TRUE(opened.file);
+        EXPECT_EQ(L"a longer text", ReadText(opened.file));
+        EXPECT_TRUE(WriteText(opened.file, L"new"));
+    }
+    EXPECT_EQ(Utf16FileBytes(L"new"), ReadBytes(At(L"file")));
+}
+
+TEST_F(Utf16TextFileTest, OnlyAFileThatIsThereIsOpenedForAnUpdate) {
+    EXPECT_EQ(kFileNotFound, OpenTextFileForUpdate(At(L"none")).status);
+    EXPECT_FALSE(std::filesystem::exists(At(L"none")));
 }
 
 TEST_F(Utf16TextFileTest, FileThatIsOpenForReadingTakesNoText) {

@@ -1,5 +1,6 @@
 // A user id list that cannot be read, written or reached: the user gets an id all the same.
 #include "base/Handle.h"
+#include "tests/support/ImportHook.h"
 #include "tests/user_ids/UserIdListFixture.h"
 
 namespace tsl::test {
@@ -9,7 +10,25 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-constexpr HRESULT kUserMappedFile = static_cast<HRESULT>(0x800704C8);
+constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
+
+HANDLE WINAPI FailToOpenForWriting(LPCWSTR path, DWORD access, DWORD share,
+                                   LPSECURITY_ATTRIBUTES attributes, DWORD disposition, DWORD flags,
+                                   HANDLE templateFile) {
+    if (access & GENERIC_WRITE) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return INVALID_HANDLE_VALUE;
+    }
+    static const auto system = std::bit_cast<decltype(&CreateFileW)>(
+        GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "CreateFileW"));
+    return system(path, access, share, attributes, disposition, flags, templateFile);
+}
+
+BOOL WINAPI FailToWrite(HANDLE, LPCVOID, DWORD, LPDWORD written, LPOVERLAPPED) {
+    *written = 0;
+    SetLastError(ERROR_DISK_FULL);
+    return FALSE;
+}
 
 CHandle HoldOpen(const fs::path& file, DWORD share) {
     return CHandle(CreateFileW(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
@@ -78,27 +97,38 @@ TEST_F(UserIdListFailure, FolderInPlaceOfTheFileGivesIdOne) {
     EXPECT_TRUE(fs::is_directory(UserIdListPath()));
 }
 
-// A mapped file can be read, but not emptied. A file without write permission would do the same,
-// but that does not bind the privileged user that these tests may run as.
+// A file without write permission would do the same, but that does not bind the privileged user
+// that these tests may run as.
 TEST_F(UserIdListFailure, FileThatCannotBeWrittenStillGivesTheNextId) {
     const Bytes content = Utf16FileBytes(L"0x00000007\tS-7\t\r\n");
     PrepareUserIdList(content);
-    CHandle file = HoldOpen(UserIdListPath(), /*share=*/0);
-    const CHandle mapping(CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-    ASSERT_TRUE(mapping);
-    file = CHandle();
-    const LookUpResult known = LookUp(L"S-7");
-    EXPECT_TRUE(known.found);
-    EXPECT_EQ(7u, known.id);
-    UINT64 id = 0;
-    EXPECT_EQ(S_FALSE, CurrentUserId(id));
-    EXPECT_EQ(8u, id);
-    const LookUpResult other = LookUp(L"S-other");
-    EXPECT_FALSE(other.found);
-    EXPECT_EQ(8u, other.id) << "nothing was kept";
-    EXPECT_EQ(2u, other.entries.size());
-    EXPECT_EQ(kUserMappedFile, WriteUserIdList({{1, L"S-1"}}));
+    {
+        const ImportHook hook("CreateFileW", &FailToOpenForWriting);
+        const LookUpResult known = LookUp(L"S-7");
+        EXPECT_TRUE(known.found);
+        EXPECT_EQ(7u, known.id);
+        UINT64 id = 0;
+        EXPECT_EQ(S_FALSE, CurrentUserId(id));
+        EXPECT_EQ(8u, id);
+        const LookUpResult other = LookUp(L"S-other");
+        EXPECT_FALSE(other.found);
+        EXPECT_EQ(8u, other.id) << "nothing was kept";
+        EXPECT_EQ(2u, other.entries.size());
+        EXPECT_EQ(kAccessDenied, WriteUserIdList({{1, L"S-1"}}));
+    }
     EXPECT_EQ(content, ReadBytes(UserIdListPath()));
+}
+
+// A process that is ended between opening and writing loses nobody's id.
+TEST_F(UserIdListFailure, FailedWriteLeavesTheOldList) {
+    const Bytes content = Utf16FileBytes(L"0x00000007\tS-7\t\r\n");
+    PrepareUserIdList(content);
+    {
+        const ImportHook hook("WriteFile", &FailToWrite);
+        EXPECT_EQ(8u, LookUp(L"S-8").id);
+    }
+    EXPECT_EQ(content, ReadBytes(UserIdListPath()));
+    EXPECT_EQ(8u, LookUp(L"S-8").id);
 }
 
 TEST_F(UserIdListFailure, LeavesTheFileClosed) {

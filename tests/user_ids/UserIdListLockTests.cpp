@@ -5,8 +5,8 @@
 #include <memory>
 #include <thread>
 
-#include "tests/integration/ProcessMeasures.h"
 #include "tests/support/MutexHolder.h"
+#include "tests/support/ProcessMeasures.h"
 #include "tests/user_ids/UserIdListFixture.h"
 
 namespace tsl::test {
