@@ -6,15 +6,20 @@ namespace tsl {
 
 namespace {
 
-// As long as the lock of the databases is waited for.
-constexpr ULONGLONG kReaderPatienceMilliseconds = 3000;
+// Queries that take no lock are in a file while others write it, and an operation whose wait for
+// the lock has timed out meets everyone. The engine then waits for its turn; not as long as the
+// lock is waited for (3 s), so that whoever waits here does not make others give up the lock.
+// Engines older than 3.7.15 do not know the statement and answer "busy" at once.
+constexpr wchar_t kBusyTimeoutText[] = L"PRAGMA busy_timeout = 2000";
 
 } // namespace
 
 int CDatabase::Open(const SqliteApi& engine, const std::wstring& path) {
     Close();
     m_engine = &engine;
-    return engine.Open(CUtf8Text(path).Get(), &m_connection);
+    const int result = engine.Open(CUtf8Text(path).Get(), &m_connection);
+    if (result == kSqliteOk) ExecuteStatement(*this, kBusyTimeoutText);
+    return result;
 }
 
 void CDatabase::Close() noexcept {
@@ -97,12 +102,7 @@ int CTransaction::Begin() {
 }
 
 int CTransaction::Commit() {
-    const ULONGLONG start = GetTickCount64();
-    int result = ExecuteStatement(m_database, L"COMMIT");
-    while (result == kSqliteBusy && GetTickCount64() - start < kReaderPatienceMilliseconds) {
-        Sleep(1);
-        result = ExecuteStatement(m_database, L"COMMIT");
-    }
+    const int result = ExecuteStatement(m_database, L"COMMIT");
     if (result == kSqliteOk) m_open = false;
     return result;
 }

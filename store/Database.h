@@ -17,7 +17,7 @@ public:
     ~CDatabase() { Close(); }
 
     // Opens the file, closing what was open; the engine may give a connection also when it fails.
-    // Returns the engine's result.
+    // Statements wait up to 2 s for others who are in the file. Returns the engine's result.
     int Open(const SqliteApi& engine, const std::wstring& path);
     void Close() noexcept;
 
@@ -86,10 +86,8 @@ public:
     CTransaction& operator=(const CTransaction&) = delete;
     ~CTransaction();
 
-    // Takes the file's write lock at once, so that a busy file is told before anything is done.
+    // Takes the file's write lock, so that a busy file is told before anything is done.
     int Begin();
-    // Some queries take no lock, and whoever reads the file keeps a commit from it: waits up to 3 s
-    // for readers that are in it. New ones are kept out meanwhile.
     int Commit();
 
 private:

@@ -1,6 +1,8 @@
 // Databases in which nothing can be deleted: the answer of each form, and what is left behind.
+#include <thread>
+
 #include "tests/deletion/DeletionFixture.h"
-#include "tests/integration/ProcessMeasures.h"
+#include "tests/support/ProcessMeasures.h"
 
 namespace tsl::test {
 
@@ -14,6 +16,12 @@ constexpr HRESULT kEngineReadOnly = static_cast<HRESULT>(0x80041607);
 constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
 constexpr HRESULT kEngineConstraint = static_cast<HRESULT>(0x80041612);
 constexpr HRESULT kEngineNotADatabase = static_cast<HRESULT>(0x80041619);
+
+// Lets others do with the file what share says.
+CHandle HoldDatabaseOpen(DWORD share) {
+    return CHandle(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
+                               FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
 } // namespace
 
@@ -82,14 +90,26 @@ TEST_F(DeletionFailure, OfAViewInPlaceOfTheTableIsOneOfThePrepare) {
 
 TEST_F(DeletionFailure, OfABusyDatabaseIsTold) {
     Prepare(kFourDays);
-    for (const char* begin : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE"}) {
-        SCOPED_TRACE(begin);
-        const FileDatabase other(ActionLogPath());
-        other.Query(begin);
-        ExpectFailure(kEngineBusy);
-        other.Query("ROLLBACK");
-    }
+    const FileDatabase other(ActionLogPath());
+    other.Query("BEGIN IMMEDIATE");
+    ExpectFailure(kEngineBusy);
+    other.Query("ROLLBACK");
     ExpectAllAreLeftAndCanBeDeleted();
+}
+
+// Queries by time take no lock and are in the file while others delete.
+TEST_F(DeletionFailure, DoesNotComeFromAReaderThatLeavesInTime) {
+    Prepare(kFourDays);
+    const FileDatabase reader(ActionLogPath());
+    reader.Query("BEGIN");
+    reader.Query("SELECT * FROM TslIf_DbActionLog");
+    std::thread leaving([&] {
+        Sleep(300);
+        reader.Query("COMMIT");
+    });
+    EXPECT_EQ(S_OK, Delete(IdRange()));
+    leaving.join();
+    EXPECT_EQ("", Left());
 }
 
 TEST_F(DeletionFailure, OfAStepKeepsTheRows) {
@@ -106,8 +126,7 @@ TEST_F(DeletionFailure, OfAStepKeepsTheRows) {
 TEST_F(DeletionFailure, OfAFileThatNobodyMayWriteIsTold) {
     Prepare(kFourDays);
     {
-        const CHandle reader(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, FILE_SHARE_READ,
-                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const CHandle reader = HoldDatabaseOpen(FILE_SHARE_READ);
         ASSERT_TRUE(reader);
         ExpectFailure(kEngineReadOnly);
     }
@@ -117,8 +136,7 @@ TEST_F(DeletionFailure, OfAFileThatNobodyMayWriteIsTold) {
 TEST_F(DeletionFailure, OfAFileThatNobodyMayOpenIsTold) {
     Prepare(kFourDays);
     {
-        const CHandle owner(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, /*share=*/0, nullptr,
-                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        const CHandle owner = HoldDatabaseOpen(/*share=*/0);
         ASSERT_TRUE(owner);
         ExpectFailure(kEngineCannotOpen);
     }
@@ -139,10 +157,10 @@ TEST_F(DeletionFailure, LeavesNoHandleBehind) {
         Delete(OneRecord());
         Delete(IdRange(4));
         Delete(ContainerBuilder());
-        const FileDatabase other(ActionLogPath());
-        other.Query("BEGIN EXCLUSIVE");
-        ExpectFailure(kEngineBusy);
-        other.Query("ROLLBACK");
+        {
+            const CHandle owner = HoldDatabaseOpen(/*share=*/0);
+            ExpectFailure(kEngineCannotOpen);
+        }
         Delete(TimeRange());
     };
     runAll();

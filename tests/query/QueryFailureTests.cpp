@@ -1,6 +1,7 @@
 // What the queries answer to missing pointers, a store that cannot be used, and a missing engine.
 // The result is left as it was each time.
 #include <algorithm>
+#include <thread>
 
 #include "base/Handle.h"
 #include "tests/query/QueryFixture.h"
@@ -76,6 +77,9 @@ protected:
     void ExpectAnswerAfter() {
         StoreLog({{.id = 1, .user = 1}});
         StoreTaken({{.id = 1, .user = 1, .parameters = "'ullValues={1,2}'"}});
+        ExpectAnswer();
+    }
+    void ExpectAnswer() {
         CVariant answer;
         EXPECT_EQ(S_OK, Ask(Code(GetParam()), Request(GetParam()), answer.Address()));
         EXPECT_EQ(1u, Unpack(answer.Get()).size());
@@ -154,6 +158,19 @@ TEST_P(QueryFailure, DatabaseThatAnotherConnectionWritesIsReportedAsBusy) {
     Expect(kEngineBusy);
     other.Query("ROLLBACK");
     EXPECT_EQ(1, CountRows(ActionLogPath(), kTakenRows));
+}
+
+TEST_P(QueryFailure, WriterThatLeavesInTimeIsWaitedFor) {
+    StoreLog({{.id = 1, .user = 1}});
+    StoreTaken({{.id = 1, .user = 1, .parameters = "'ullValues={1,2}'"}});
+    const FileDatabase other(ActionLogPath());
+    other.Query("BEGIN EXCLUSIVE");
+    std::thread leaving([&] {
+        Sleep(300);
+        other.Query("COMMIT");
+    });
+    ExpectAnswer();
+    leaving.join();
 }
 
 TEST_P(QueryFailure, DatabaseThatNobodyMayOpenIsReported) {
