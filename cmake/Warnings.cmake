@@ -7,5 +7,5 @@ target_compile_options(tsl_warnings INTERFACE
 function(tsl_add_library name)
   add_library(${name} STATIC ${ARGN})
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}")
-  target_link_libraries(${name} PRIVATE tsl_warnings)
+  target_link_libraries(${name} PRIVATE tsl_warnings tsl_coverage)
 endfunction()

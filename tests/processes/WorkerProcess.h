@@ -12,21 +12,25 @@ namespace tsl::test {
 
 class WorkerProcess {
 public:
-    // Throws std::runtime_error when it cannot be started.
-    WorkerProcess(const std::wstring& mode, int count, UINT32 user);
+    // Starts process_worker.exe, whose modes are told in Worker.cpp: an amount is a number of calls
+    // ("50") or a time ("600s"); the number is the user, or the first id. Throws
+    // std::runtime_error when it cannot be started.
+    WorkerProcess(const std::wstring& mode, const std::wstring& amount, UINT32 number);
 
-    // What it did. Fails the test when it does not end well within ten minutes.
-    std::vector<WorkerCall> Wait();
+    // What it did. Fails the test when it does not end well within the time.
+    std::vector<WorkerCall> Wait(DWORD milliseconds = 600000);
+
+    // Ends it wherever it is. What it did until then.
+    std::vector<WorkerCall> Kill();
+
+    UINT32 Number() const noexcept { return m_number; }
 
 private:
+    std::vector<WorkerCall> TakeReport();
+
+    UINT32 m_number;
     std::filesystem::path m_report;
     CHandle m_process;
 };
-
-// The calls of one operation, of all workers.
-std::vector<WorkerCall> CallsOf(const std::vector<WorkerCall>& calls, const std::string& operation);
-
-// "id: 8000 calls, p50 1.2 ms, p99 10.5 ms, max 20.1 ms".
-std::string DescribeTimes(const std::vector<WorkerCall>& calls);
 
 } // namespace tsl::test

@@ -1,10 +1,13 @@
-// What a worker process tells about its calls: a line each, "operation id result microseconds".
+// What a worker process tells about its calls: a line each, "operation id result microseconds",
+// written when the call has returned, so that the report of a killed process is true as far as it
+// goes.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -17,8 +20,18 @@ struct WorkerCall {
     std::int64_t microseconds = 0;
 };
 
-// Throw std::runtime_error.
-void WriteReport(const std::filesystem::path& path, const std::vector<WorkerCall>& calls);
+class ReportWriter {
+public:
+    explicit ReportWriter(const std::filesystem::path& path) : m_file(path) {}
+
+    // Throws std::runtime_error.
+    void Add(const WorkerCall& call);
+
+private:
+    std::ofstream m_file;
+};
+
+// The calls of the whole lines; none where there is no file.
 std::vector<WorkerCall> ReadReport(const std::filesystem::path& path);
 
 } // namespace tsl::test

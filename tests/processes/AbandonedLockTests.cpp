@@ -1,0 +1,49 @@
+// What it costs the others when a host process is killed while it holds a lock.
+#include <algorithm>
+
+#include "tests/processes/ProcessesFixture.h"
+#include "tests/support/MutexHolder.h"
+
+namespace tsl::test {
+
+class AbandonedLock : public ProcessesTest {
+protected:
+    // One host finds the lock abandoned and keeps it for as long as it lives; the others then
+    // write. What they did, without the heir's calls.
+    static WorkerCalls WriteBesideTheHeir(const wchar_t* lock, const std::wstring& amount) {
+        MutexHolder victim(lock);
+        WorkerProcess heir(L"write", L"600s", /*number=*/1);
+        Sleep(1000); // now it waits
+        victim.Kill();
+        Sleep(500);
+        const WorkerCalls others = RunAll({{L"write", amount, 2}, {L"write", amount, 3}});
+        const WorkerCalls heirs = heir.Kill();
+        Measured("the heir: " + DescribeTimes(CallsOf(heirs, "notify")));
+        EXPECT_GT(SuccessesOf(heirs, "fetch").size(), 100u) << "the heir works on undisturbed";
+        return others;
+    }
+
+    static std::int64_t SlowestMilliseconds(const WorkerCalls& calls) {
+        return std::ranges::max(calls, {}, &WorkerCall::microseconds).microseconds / 1000;
+    }
+};
+
+TEST_F(AbandonedLock, OfTheDatabasesCostsEachCallItsTimeOut) {
+    const WorkerCalls calls = WriteBesideTheHeir(kSqliteAccessLock, InForm(L"1", L"10"));
+    Report(calls);
+    EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "fetch")));
+    EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "notify")));
+    EXPECT_LT(SlowestMilliseconds(CallsOf(calls, "notify")), 12000) << "two writes of 3 s";
+    EXPECT_LT(SlowestMilliseconds(CallsOf(calls, "fetch")), 6000);
+    ExpectWholeDatabases();
+}
+
+TEST_F(AbandonedLock, OfTheCounterCostsEachIdItsTimeOut) {
+    const WorkerCalls calls = WriteBesideTheHeir(kLogIdLock, InForm(L"1", L"10"));
+    Report(calls);
+    const std::vector<UINT32> ids = IdsOf(SuccessesOf(calls, "id"));
+    EXPECT_EQ(ids.end(), std::ranges::adjacent_find(ids));
+    EXPECT_LT(SlowestMilliseconds(CallsOf(calls, "id")), 13000);
+}
+
+} // namespace tsl::test
