@@ -46,4 +46,21 @@ TEST_F(AbandonedLock, OfTheCounterCostsEachIdItsTimeOut) {
     EXPECT_LT(SlowestMilliseconds(CallsOf(calls, "id")), 13000);
 }
 
+// This lock is waited for without limit. The heir goes on, but keeps it from those who wait until
+// its thread ends.
+TEST_F(AbandonedLock, OfTheUserIdsKeepsThoseWhoWaitUntilTheHeirEnds) {
+    MutexHolder victim(L"Global\\TslIf_Mut_LoginInfo");
+    WorkerProcess heir(L"own", L"600s", 1);
+    Sleep(1000); // now it waits
+    WorkerProcess other(L"own", L"1", 2);
+    Sleep(1000);
+    victim.Kill();
+    Sleep(InForm(1000u, 20000u));
+    EXPECT_FALSE(other.HasEnded());
+    EXPECT_GT(SuccessesOf(heir.Kill(), "own").size(), 10u) << "the heir works on undisturbed";
+    const WorkerCalls calls = other.Wait();
+    Report(calls);
+    EXPECT_EQ(1u, SuccessesOf(calls, "own").size());
+}
+
 } // namespace tsl::test

@@ -4,6 +4,7 @@
 //   delete  records an action of user NUMBER, deletes it by its id and sees that it is gone
 //   keep    records the deletion of an item, whose record can then be taken
 //   take    takes the records with the ids from NUMBER on
+//   own     asks for the kept records of the current user, whom it looks up in the user id list
 // AMOUNT is how often, or with an "s" behind it for how many seconds.
 #include <chrono>
 #include <functional>
@@ -79,6 +80,16 @@ public:
         });
     }
 
+    void Own() {
+        m_plugin->SetRecordingEnabled(2);
+        Time("own", 0, [&] {
+            CVariant answer;
+            const HRESULT result = m_plugin->Request(kCommandQueryAllIds, ContainerBuilder(),
+                                                     nullptr, answer.Address());
+            return result == E_INVALIDARG ? S_OK : result; // there are none
+        });
+    }
+
 private:
     void Time(const char* operation, const UINT32& id, const std::function<HRESULT()>& run) {
         const auto start = Clock::now();
@@ -132,11 +143,9 @@ private:
 };
 
 using Mode = void (Worker::*)();
-const std::map<std::string, Mode> kModes = {{"write", &Worker::Write},
-                                            {"read", &Worker::Read},
-                                            {"delete", &Worker::Delete},
-                                            {"keep", &Worker::Keep},
-                                            {"take", &Worker::Take}};
+const std::map<std::string, Mode> kModes = {{"write", &Worker::Write},   {"read", &Worker::Read},
+                                            {"delete", &Worker::Delete}, {"keep", &Worker::Keep},
+                                            {"take", &Worker::Take},     {"own", &Worker::Own}};
 
 void Run(Worker& worker, Mode mode, const std::string& amount) {
     const int number = std::stoi(amount);

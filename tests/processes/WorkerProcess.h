@@ -23,6 +23,8 @@ public:
     // Ends it wherever it is. What it did until then.
     std::vector<WorkerCall> Kill();
 
+    bool HasEnded() const { return WaitForSingleObject(m_process.Get(), 0) == WAIT_OBJECT_0; }
+
     UINT32 Number() const noexcept { return m_number; }
 
 private:
