@@ -157,10 +157,10 @@ TEST_F(DeletionFailure, LeavesNoHandleBehind) {
         Delete(OneRecord());
         Delete(IdRange(4));
         Delete(ContainerBuilder());
-        {
-            const CHandle owner = HoldDatabaseOpen(/*share=*/0);
-            ExpectFailure(kEngineCannotOpen);
-        }
+        FileDatabase(ActionLogPath())
+            .Query("DROP TABLE TslIf_DbActionLog; CREATE VIEW TslIf_DbActionLog AS SELECT 1");
+        ExpectFailure(kEngineError);
+        FileDatabase(ActionLogPath()).Query("DROP VIEW TslIf_DbActionLog");
         Delete(TimeRange());
     };
     runAll();
