@@ -78,6 +78,7 @@ int ExecuteStatement(const CDatabase& database, const std::wstring& text) {
 }
 
 int ReadNumber(const CDatabase& database, const std::wstring& text, int column, INT64& number) {
+    if (!database.Engine().ReadsIntegers()) return kSqliteError;
     CStatement statement(database);
     int result = statement.Prepare(text);
     if (result == kSqliteOk) result = statement.Step();

@@ -75,7 +75,7 @@ private:
 int ExecuteStatement(const CDatabase& database, const std::wstring& text);
 
 // Reads the integer in a column of the first row that the text yields. SQLITE_DONE, with the number
-// untouched, when it yields none.
+// untouched, when it yields none; SQLITE_ERROR when the engine reads no integers.
 int ReadNumber(const CDatabase& database, const std::wstring& text, int column, INT64& number);
 
 // Rolls back when it goes, unless it was committed. Every call returns the engine's result.

@@ -13,11 +13,13 @@ bool SelectedTableHasMark(const CActionLogStore& store) {
            (file == kReplayFileName && store.Name() == kReplayTable);
 }
 
-// The highest id that the table can hold. A file without a mark (0) may come from an older version:
-// its rows tell.
+// A file may come from an older version, or from an engine that cannot read integers.
+constexpr UINT32 kNoMark = 0;
+
+// The highest id that the table can hold. Without a mark its rows tell.
 int HighestId(const CDatabase& database, const std::wstring& table, INT64 mark, INT64& highest) {
     highest = mark;
-    if (mark != 0) return kSqliteOk;
+    if (mark != kNoMark) return kSqliteOk;
     return ReadNumber(database,
                       L"SELECT MAX(" + std::wstring(kActionLogIdColumn) + L") FROM " + table,
                       /*column=*/0, highest);
@@ -43,6 +45,10 @@ int RemoveOlderRows(const CActionLogStore& store, const CDatabase& database, UIN
     const std::wstring table = store.SelectedTable();
     if (!SelectedTableHasMark(store)) return DeleteRows(database, table, recordId);
 
+    if (!database.Engine().ReadsIntegers()) {
+        const int deleted = DeleteRows(database, table, recordId);
+        return deleted == kSqliteOk ? WriteMark(database, kNoMark) : deleted;
+    }
     INT64 stored = 0;
     int result = ReadNumber(database, L"PRAGMA user_version", /*column=*/0, stored);
     if (result != kSqliteOk) return result;

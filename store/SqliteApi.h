@@ -45,6 +45,8 @@ public:
     int Open(const char* utf8Path, sqlite3** database) const;
     int Close(sqlite3* database) const;
     INT64 ColumnInt64(sqlite3_stmt* statement, int column) const;
+    // False when ColumnInt64 has no function behind it: what it then gives is no value.
+    bool ReadsIntegers() const noexcept { return m_entries.columnInt64 != nullptr; }
     // The text belongs to the statement and lives until its next step.
     const wchar_t* ColumnText(sqlite3_stmt* statement, int column) const;
     double ColumnDouble(sqlite3_stmt* statement, int column) const;
