@@ -76,7 +76,7 @@ protected:
         const StandInState seen = Engine().State();
         const Progress progress = ProgressWith(seen);
         ExpectProgress(progress);
-        ++m_progress[progress];
+        if (seen.hitCount > 0) ++m_progress[progress];
         // A counter keeps the store from being converted again, with the old table or without.
         Convert({});
         ExpectProgress(progress == Progress::Counter ? progress : Progress::Whole);

@@ -72,7 +72,10 @@ void EngineFaultTest::SetUp() {
 void EngineFaultTest::TearDown() {
     ReleasePlugin();
     EXPECT_EQ(0u, m_contentStore.Held());
-    EXPECT_TRUE(m_engine->Component().CanUnload()) << "something of the component is still in use";
+    if (m_engine) {
+        EXPECT_TRUE(m_engine->Component().CanUnload())
+            << "something of the component is still in use";
+    }
     m_engine.reset();
     StoreTest::TearDown();
 }

@@ -9,11 +9,11 @@
 #include "console/ComInitialization.h"
 #include "tests/engine_faults/EngineStandIn.h"
 #include "tests/engine_faults/FaultRules.h"
-#include "tests/engine_faults/LockWatch.h"
 #include "tests/engine_faults/StoreSnapshot.h"
 #include "tests/query/SinkClass.h"
 #include "tests/support/ContentStoreDouble.h"
 #include "tests/support/HostContainers.h"
+#include "tests/support/StoreChecks.h"
 
 namespace tsl::test {
 
@@ -60,7 +60,10 @@ protected:
 
     // No connection, statement, lock or container is left.
     void ExpectNothingIsLeft();
-    void ExpectLocksAreFree() { EXPECT_TRUE(m_locks.LocksAreFree()); }
+    static void ExpectLocksAreFree() {
+        EXPECT_TRUE(MutexIsFree(kSqliteAccessLock));
+        EXPECT_TRUE(MutexIsFree(kLogIdLock));
+    }
 
 private:
     CComInitialization m_com;
@@ -72,7 +75,6 @@ private:
     ContentStoreClass m_contentStoreClass{m_contentStore};
     ClassRegistration m_contentStoreRegistration{CLSID_TslContentStore, &m_contentStoreClass};
 
-    LockWatch m_locks;
     std::optional<EngineStandIn> m_engine;
     CComPtr<ITslPluginDb2> m_plugin;
     Learned m_learned;

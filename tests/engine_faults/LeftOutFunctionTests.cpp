@@ -116,7 +116,7 @@ private:
         EXPECT_EQ(VT_UNKNOWN, answer.Type());
     }
 
-    // Nothing fails for lack of a function that is not called.
+    // Nothing fails for lack of a function that is never called.
     Expected ExpectedIfAllFail(const Operation& operation, EngineEntry entry) {
         WhatWasLearned().before.PutBack();
         Perform(operation, {.entry = entry, .call = 1, .code = kEngineError, .lasting = true});

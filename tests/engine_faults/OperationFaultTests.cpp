@@ -27,8 +27,8 @@ class EngineFaultOf : public EngineFaultTest, public ::testing::WithParamInterfa
 protected:
     // Tries all faults of each operation.
     void TryAll() {
-        for (const Operation& operation :
-             GetParam().operations) // whatever is made once is made now
+        // Whatever a process makes once is made before handles are counted.
+        for (const Operation& operation : GetParam().operations)
             ASSERT_NO_FATAL_FAILURE(Learn(operation));
         const int handles = CountHandles();
         for (const Operation& operation : GetParam().operations) {

@@ -1,7 +1,5 @@
 #include "tests/support/StoreChecks.h"
 
-#include <thread>
-
 #include "base/Handle.h"
 #include "tests/support/FileDatabase.h"
 
@@ -11,6 +9,16 @@ namespace {
 
 CHandle OpenNamedMutex(const wchar_t* name) {
     return CHandle(OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, /*inheritHandle=*/FALSE, name));
+}
+
+// A thread of the system's own: those of the standard library keep a handle now and then, which
+// tests that count handles would see.
+DWORD WINAPI TryMutex(void* name) {
+    const CHandle mutex = OpenNamedMutex(static_cast<const wchar_t*>(name));
+    if (!mutex) return WAIT_OBJECT_0;
+    const DWORD waited = WaitForSingleObject(mutex.Get(), /*milliseconds=*/0);
+    if (waited == WAIT_OBJECT_0) ReleaseMutex(mutex.Get());
+    return waited;
 }
 
 } // namespace
@@ -29,13 +37,11 @@ bool MutexExists(const wchar_t* name) {
 }
 
 bool MutexIsFree(const wchar_t* name) {
+    const CHandle thread(
+        CreateThread(nullptr, 0, TryMutex, const_cast<wchar_t*>(name), 0, nullptr));
     DWORD waited = WAIT_FAILED;
-    std::thread([&] {
-        const CHandle mutex = OpenNamedMutex(name);
-        waited = mutex ? WaitForSingleObject(mutex.Get(), /*milliseconds=*/0) : WAIT_OBJECT_0;
-        if (mutex && waited == WAIT_OBJECT_0) ReleaseMutex(mutex.Get());
-    }).join();
-    return waited == WAIT_OBJECT_0;
+    if (!thread || WaitForSingleObject(thread.Get(), INFINITE) != WAIT_OBJECT_0) return false;
+    return GetExitCodeThread(thread.Get(), &waited) && waited == WAIT_OBJECT_0;
 }
 
 } // namespace tsl::test
