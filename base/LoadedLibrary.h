@@ -13,7 +13,9 @@ class CLoadedLibrary {
 public:
     // The thread's last error tells why nothing was loaded.
     explicit CLoadedLibrary(const std::wstring& path, DWORD flags = 0) noexcept
-        : m_module(LoadLibraryExW(path.c_str(), /*file=*/nullptr, flags)) {}
+        : CLoadedLibrary(path.c_str(), flags) {}
+    explicit CLoadedLibrary(const wchar_t* path, DWORD flags = 0) noexcept
+        : m_module(LoadLibraryExW(path, /*file=*/nullptr, flags)) {}
     CLoadedLibrary(const CLoadedLibrary&) = delete;
     CLoadedLibrary& operator=(const CLoadedLibrary&) = delete;
     ~CLoadedLibrary() {

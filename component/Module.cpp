@@ -1,6 +1,7 @@
 // The module's entry points.
 #include "component/Module.h"
 
+#include "component/ExceptionState.h"
 #include "component/PluginDb.h"
 #include "component/com/ComClassFactory.h"
 #include "component/registration/TslIfDbActionLogModule.h"
@@ -20,8 +21,18 @@ HMODULE ComponentModule() noexcept {
 
 } // namespace tsl
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* /*reserved*/) {
-    if (reason == DLL_PROCESS_ATTACH) tsl::g_module = module;
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
+    switch (reason) {
+    case DLL_PROCESS_ATTACH:
+        tsl::g_module = module;
+        return tsl::StartExceptionStates();
+    case DLL_THREAD_DETACH:
+        tsl::EndExceptionStateOfThread();
+        break;
+    case DLL_PROCESS_DETACH:
+        if (!reserved) tsl::EndExceptionStates(); // else the process ends, and all of it
+        break;
+    }
     return TRUE;
 }
 

@@ -12,12 +12,19 @@ namespace tsl {
 
 namespace {
 
-std::wstring FormatLine(UINT32 counter) {
-    wchar_t line[16];
-    const int length =
-        std::swprintf(line, std::size(line), L"%08lu\t\r\n", static_cast<unsigned long>(counter));
-    return std::wstring(line, static_cast<size_t>(length));
-}
+// Needs no memory: a file that has been made is written in any case.
+class CounterLine {
+public:
+    explicit CounterLine(UINT32 counter) noexcept
+        : m_length(std::swprintf(m_text, std::size(m_text), L"%08lu\t\r\n",
+                                 static_cast<unsigned long>(counter))) {}
+
+    std::wstring_view Text() const noexcept { return {m_text, static_cast<size_t>(m_length)}; }
+
+private:
+    wchar_t m_text[16];
+    int m_length;
+};
 
 UINT32 ParseLine(std::wstring_view line) {
     while (!line.empty() && std::iswspace(line.back()))
@@ -36,8 +43,9 @@ bool ParseLastLine(const CHandle& file, UINT32& counter) {
 }
 
 HRESULT Write(const OpenedTextFile& opened, const std::wstring& path, UINT32 counter) {
-    GrantFileAccess(path);
-    return WriteText(opened.file, FormatLine(counter)) ? S_OK : opened.status;
+    // Whatever becomes of the rights, the file is written.
+    AtBoundary([&] { return GrantFileAccess(path) ? S_OK : S_FALSE; });
+    return WriteText(opened.file, CounterLine(counter).Text()) ? S_OK : opened.status;
 }
 
 // A failed write is not always told.

@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <iterator>
 
+#include "base/Hresult.h"
 #include "base/NamedMutex.h"
 #include "files/AccessRights.h"
 #include "files/DataFolders.h"
@@ -96,12 +97,13 @@ HRESULT WriteUserIdList(const std::vector<UserIdEntry>& entries) {
     const CWriterSection section;
     if (!GrantFolderAccess(Prefixed(folder))) return E_INVALIDARG;
     const std::wstring path = Prefixed(folder + kUserIdFileName);
-    const OpenedTextFile opened = OpenTextFileForWriting(path);
-    if (!opened.file) return opened.status;
-    GrantFileAccess(path);
     std::wstring text;
     for (const UserIdEntry& entry : entries)
         text += FormatLine(entry);
+    const OpenedTextFile opened = OpenTextFileForWriting(path);
+    if (!opened.file) return opened.status;
+    // Whatever becomes of the rights, the file is written.
+    AtBoundary([&] { return GrantFileAccess(path) ? S_OK : S_FALSE; });
     return WriteText(opened.file, text) ? S_OK : opened.status;
 }
 

@@ -23,7 +23,9 @@ bool SharesTypeBits(VARTYPE type, VARTYPE wanted) noexcept {
 std::span<const ULONG> IdsOf(CVariant& value, CArrayAccess& access) {
     std::span<const ULONG> ids;
     const bool isArray = (value.Type() & VT_ARRAY) != 0 && (value.Type() & VT_BYREF) == 0;
-    if (isArray) OpenArray(value.Get().parray, VT_UI4, access, ids);
+    if (!isArray) return ids;
+    const HRESULT opened = OpenArray(value.Get().parray, VT_UI4, access, ids);
+    if (FAILED(opened) && opened != E_INVALIDARG) throw CHresultError(opened);
     return ids;
 }
 
@@ -153,7 +155,7 @@ HRESULT TakeRecord(CActionLogStore& store, ITslParamContainer* container, VARIAN
     }
     database.Close();
     // The record goes whether or not it could be fetched, and whatever comes of deleting it.
-    DeleteRecords(store, container);
+    AtBoundary([&] { return DeleteRecords(store, container); });
     return SuccessAsOk(status);
 }
 

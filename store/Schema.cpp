@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "base/Hresult.h"
 #include "store/SqliteResult.h"
 
 namespace tsl {
@@ -27,8 +28,11 @@ HRESULT CreateTable(const SqliteApi* engine, const CDatabase& database, std::wst
                     std::wstring_view name, std::span<const Column> columns,
                     HRESULT faultyArguments) {
     if (!engine || !database || prefix.empty() || name.empty()) return faultyArguments;
-    const int result = ExecuteStatement(database, CreateText(prefix, name, columns));
-    return SuccessAsOk(SqliteResultToHresult(result));
+    // Whoever opens the file does not look at the result, and so must not get an exception either.
+    return AtBoundary([&] {
+        const int result = ExecuteStatement(database, CreateText(prefix, name, columns));
+        return SuccessAsOk(SqliteResultToHresult(result));
+    });
 }
 
 } // namespace

@@ -5,25 +5,36 @@
 #include <windows.h>
 
 #include <bit>
+#include <string>
+#include <vector>
 
 namespace tsl::test {
 
-// Replaces the function in the import table of this program, and of no other module, while it
-// lives. Not for functions that several threads are calling meanwhile.
+// Replaces the function in the import table of one module, and of no other, while it lives. The
+// module stays loaded meanwhile. Not for functions that several threads are calling meanwhile.
 class ImportHook {
 public:
-    // Throws std::runtime_error when this program does not import the function.
+    // In this program. Throws std::runtime_error when the function is not imported.
     template <class Function>
     ImportHook(const char* name, Function* replacement)
-        : m_slot(FindSlot(name)), m_original(*m_slot) {
+        : ImportHook(GetModuleHandleW(nullptr), name, replacement) {}
+    // In another module.
+    template <class Function>
+    ImportHook(HMODULE module, const char* name, Function* replacement)
+        : m_slot(FindSlot(module, name)), m_original(*m_slot) {
         Write(std::bit_cast<void*>(replacement));
     }
     ImportHook(const ImportHook&) = delete;
     ImportHook& operator=(const ImportHook&) = delete;
     ~ImportHook() { Write(m_original); }
 
+    // The function that a module imports; null when it does not import it.
+    static void* Imported(HMODULE module, const char* name);
+    // All functions that a module imports by name.
+    static std::vector<std::string> ImportedNames(HMODULE module);
+
 private:
-    static void** FindSlot(const char* name);
+    static void** FindSlot(HMODULE module, const char* name);
     void Write(void* function) const;
 
     void** m_slot;
