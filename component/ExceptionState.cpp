@@ -83,6 +83,8 @@ void EndExceptionStateOfThread() noexcept {
     (state->previous ? state->previous->next : g_first) = state->next;
     if (state->next) state->next->previous = state->previous;
     ReleaseSRWLockExclusive(&g_lock);
+    // Modules that are told later may still call us on this thread; they get a new one.
+    TlsSetValue(g_slot, nullptr);
     std::free(state);
 }
 
@@ -93,6 +95,7 @@ void EndExceptionStates() noexcept {
         std::free(ended);
     }
     TlsFree(g_slot);
+    g_slot = TLS_OUT_OF_INDEXES;
     __gnu_cxx::__freeres();
 }
 

@@ -59,6 +59,10 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
 
 void* __wrap_realloc(void* block, std::size_t size) {
     if (block && !IsPiece(block)) return __real_realloc(block, size);
+    if (block && size == 0) {
+        __wrap_free(block);
+        return nullptr;
+    }
     if (block && size <= kPieceSize) return block;
     void* const larger = __wrap_malloc(size);
     if (larger && block) std::memcpy(larger, block, kPieceSize);

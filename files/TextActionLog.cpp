@@ -35,8 +35,8 @@ UINT32 ParseLine(std::wstring_view line) {
 }
 
 // The number on the last line; left alone where there is no line.
-bool ParseLastLine(const CHandle& file, UINT32& counter) {
-    const std::vector<std::wstring> lines = SplitLines(ReadText(file));
+bool ParseLastLine(std::wstring_view text, UINT32& counter) {
+    const std::vector<std::wstring> lines = SplitLines(text);
     if (lines.empty()) return false;
     counter = ParseLine(lines.back());
     return true;
@@ -81,7 +81,7 @@ HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter) {
     if (!opened.file) return opened.status;
     counter = 1;
     if (opened.status == HresultFromWin32(ERROR_ALREADY_EXISTS)) {
-        ParseLastLine(opened.file, counter);
+        ParseLastLine(ReadText(opened.file).value_or(L""), counter);
         ++counter;
     }
     return Write(opened, path, counter);
@@ -90,8 +90,10 @@ HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter) {
 void RaiseCounter(const std::wstring& path, UINT32 counter) {
     const OpenedTextFile opened = OpenTextFileForUpdate(path);
     if (!opened.file) return;
+    const std::optional<std::wstring> text = ReadText(opened.file);
+    if (!text) return;
     UINT32 present = 0;
-    ParseLastLine(opened.file, present);
+    ParseLastLine(*text, present);
     if (present <= counter) Write(opened, path, counter);
 }
 
@@ -111,7 +113,7 @@ HRESULT ReadCounter(const std::wstring& path, UINT32& counter) {
     }
     const OpenedTextFile opened = OpenTextFileForReading(path);
     if (!opened.file) return opened.status;
-    return ParseLastLine(opened.file, counter) ? S_OK : opened.status;
+    return ParseLastLine(ReadText(opened.file).value_or(L""), counter) ? S_OK : opened.status;
 }
 
 } // namespace tsl

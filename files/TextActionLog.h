@@ -21,7 +21,7 @@ HRESULT WriteCounter(const std::wstring& path, UINT32 counter);
 HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter);
 
 // Rewrites a file that is there with the counter unless its own is higher, in one piece like
-// AdvanceCounter. A file that cannot be opened stays as it is.
+// AdvanceCounter. A file that cannot be opened or read stays as it is.
 void RaiseCounter(const std::wstring& path, UINT32 counter);
 
 // The same in one step: a process that ends meanwhile leaves the old file, or none, and never half

@@ -60,7 +60,7 @@ std::vector<UserIdEntry> ReadEntries(const std::wstring& path) {
     if (!FileExists(path)) return entries;
     const OpenedTextFile opened = OpenTextFileForReading(path);
     if (!opened.file) return entries;
-    for (const std::wstring& line : SplitLines(ReadText(opened.file))) {
+    for (const std::wstring& line : SplitLines(ReadText(opened.file).value_or(L""))) {
         entries.push_back(ParseLine(line));
     }
     return entries;

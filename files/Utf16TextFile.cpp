@@ -39,12 +39,12 @@ OpenedTextFile OpenTextFileForUpdate(const std::wstring& path) {
     return Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
 }
 
-std::wstring ReadText(const CHandle& file) {
+std::optional<std::wstring> ReadText(const CHandle& file) {
     DWORD size = GetFileSize(file.Get(), nullptr);
-    if (size == INVALID_FILE_SIZE) return {};
+    if (size == INVALID_FILE_SIZE) return std::nullopt;
     wchar_t mark = 0;
     DWORD read = 0;
-    if (!ReadFile(file.Get(), &mark, kByteOrderMarkSize, &read, nullptr)) return {};
+    if (!ReadFile(file.Get(), &mark, kByteOrderMarkSize, &read, nullptr)) return std::nullopt;
     if (read == kByteOrderMarkSize && mark == kByteOrderMark) {
         size -= read;
     } else {
@@ -52,7 +52,7 @@ std::wstring ReadText(const CHandle& file) {
     }
     std::wstring text(size / sizeof(wchar_t), L'\0');
     const DWORD wanted = static_cast<DWORD>(text.size() * sizeof(wchar_t));
-    if (!ReadFile(file.Get(), text.data(), wanted, &read, nullptr)) return {};
+    if (!ReadFile(file.Get(), text.data(), wanted, &read, nullptr)) return std::nullopt;
     text.resize(read / sizeof(wchar_t));
     return text;
 }

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,8 +30,8 @@ OpenedTextFile OpenTextFileForWriting(const std::wstring& path);
 OpenedTextFile OpenTextFileForUpdate(const std::wstring& path);
 
 // The text behind the byte order mark, or from the first byte where there is none. An odd last byte
-// is left out; what cannot be read gives an empty text.
-std::wstring ReadText(const CHandle& file);
+// is left out. None when it cannot be read.
+std::optional<std::wstring> ReadText(const CHandle& file);
 
 // Makes byte order mark and text all that the file holds; false when any of it could not be
 // written.

@@ -12,10 +12,12 @@ namespace tsl {
 bool HasIdRangeKey(ITslParamContainer& container) {
     CVariant keys;
     CValueView<ULONGLONG> view;
-    if (FAILED(container.GetKeys(keys.Address()))) return false;
+    const HRESULT asked = container.GetKeys(keys.Address());
+    // Without its range a request would ask for all of the user's records.
+    if (asked == E_OUTOFMEMORY) throw CHresultError(asked);
+    if (FAILED(asked)) return false;
     const HRESULT opened = view.Open(*keys.Address());
     if (opened == E_INVALIDARG) return false; // no list of keys
-    // Without its range a request would ask for all of the user's records.
     if (FAILED(opened)) throw CHresultError(opened);
     return std::ranges::any_of(view.Values(), [](ULONGLONG key) {
         return key == kKeyFirstRecordId || key == kKeyLastRecordId;

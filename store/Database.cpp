@@ -7,10 +7,11 @@ namespace tsl {
 namespace {
 
 // Queries that take no lock are in a file while others write it, and an operation whose wait for
-// the lock has timed out meets everyone. The engine then waits for its turn; not as long as the
-// lock is waited for (3 s), so that whoever waits here does not make others give up the lock.
-// Engines older than 3.7.15 do not know the statement and answer "busy" at once.
-constexpr wchar_t kBusyTimeoutText[] = L"PRAGMA busy_timeout = 2000";
+// the lock has timed out meets everyone. The engine then waits for its turn. An operation has two
+// statements that can wait: both together stay below the wait for the lock (3 s), so that whoever
+// waits here does not make others give up the lock. Engines older than 3.7.15 do not know the
+// statement and answer "busy" at once.
+constexpr wchar_t kBusyTimeoutText[] = L"PRAGMA busy_timeout = 1000";
 
 } // namespace
 

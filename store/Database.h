@@ -17,7 +17,7 @@ public:
     ~CDatabase() { Close(); }
 
     // Opens the file, closing what was open; the engine may give a connection also when it fails.
-    // Statements wait up to 2 s for others who are in the file. Returns the engine's result.
+    // Statements wait up to 1 s for others who are in the file. Returns the engine's result.
     int Open(const SqliteApi& engine, const std::wstring& path);
     void Close() noexcept;
 

@@ -77,6 +77,16 @@ TEST_F(AdvanceCounterTest, CounterIsRaisedButNeverLowered) {
     EXPECT_EQ(Utf16FileBytes(L"00000099\t\r\n"), ReadBytes(Path()));
 }
 
+TEST_F(AdvanceCounterTest, CounterThatCannotBeReadIsNotRaised) {
+    const Bytes stored = Utf16FileBytes(L"00005000\t\r\n");
+    WriteBytes(Path(), stored);
+    Calls().readFile = [](DWORD) -> DWORD { return ERROR_CRC; };
+    RaiseCounter(Path(), 1);
+    RaiseCounter(Path(), 9000);
+    Calls() = SystemCalls();
+    EXPECT_EQ(stored, ReadBytes(Path()));
+}
+
 TEST_F(AdvanceCounterTest, RaisingMakesNoFile) {
     RaiseCounter(Path(), 99);
     UINT32 counter = 77;

@@ -15,7 +15,7 @@ constexpr HRESULT kAlreadyExists = static_cast<HRESULT>(0x800700B7);
 constexpr HRESULT kFileNotFound = static_cast<HRESULT>(0x80070002);
 
 std::wstring TextOf(const std::wstring& path) {
-    return ReadText(OpenTextFileForReading(path).file);
+    return ReadText(OpenTextFileForReading(path).file).value();
 }
 
 CHandle OpenShared(const std::wstring& path, DWORD access) {

@@ -44,6 +44,7 @@ TEST_F(Contention, ReadersWithoutALockLoseNoRecordOfWriters) {
     const WorkerCalls calls = RunAll(jobs);
     Report(calls);
     ExpectEveryRecord(calls, 8);
+    EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "read")));
 }
 
 } // namespace tsl::test

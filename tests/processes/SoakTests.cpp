@@ -17,11 +17,13 @@ TEST_F(Soak, OfWritersReadersAndDeletersLosesNothingAndLeavesNothing) {
     Report(calls);
 
     const std::vector<UINT32> ids = IdsOf(SuccessesOf(calls, "id"));
+    ASSERT_FALSE(ids.empty());
     EXPECT_EQ(IdsUpTo(static_cast<UINT32>(ids.size())), ids);
     EXPECT_EQ(ids, IdsOf(SuccessesOf(calls, "notify")));
     EXPECT_EQ(IdsOf(SuccessesOf(calls, "fetch")),
               StoredIds(ActionLogPath(), kActionLogRows, "UserId < 100"));
     EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "fetch")));
+    EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "read")));
     EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "delete")));
     EXPECT_EQ("none", DescribeFailures(CallsOf(calls, "look")));
     EXPECT_EQ(std::vector<UINT32>(), StoredIds(ActionLogPath(), kActionLogRows, "UserId > 100"));

@@ -31,6 +31,9 @@ public:
         m_plugin->SetRecordingEnabled(1);
     }
 
+    // So that others see that it begins.
+    void Start() { m_report.Add({"start", 0, S_OK, 0}); }
+
     void Write() {
         const UINT32 id = TimeId();
         if (id == 0) return;
@@ -168,6 +171,7 @@ int main(int count, char** arguments) {
     if (count != 5) return 2;
     try {
         Worker worker(static_cast<UINT32>(std::stoul(arguments[3])), arguments[4]);
+        worker.Start();
         Run(worker, kModes.at(arguments[1]), arguments[2]);
         return 0;
     } catch (const std::exception&) {

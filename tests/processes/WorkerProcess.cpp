@@ -42,6 +42,13 @@ std::vector<WorkerCall> WorkerProcess::Wait(DWORD milliseconds) {
     return TakeReport();
 }
 
+void WorkerProcess::WaitForStart() const {
+    for (int attempt = 0; attempt < 600 && ReadReport(m_report).empty(); ++attempt)
+        Sleep(100);
+    EXPECT_FALSE(ReadReport(m_report).empty());
+    Sleep(1000);
+}
+
 std::vector<WorkerCall> WorkerProcess::Kill() {
     TerminateProcess(m_process.Get(), 99);
     WaitForSingleObject(m_process.Get(), INFINITE);

@@ -23,6 +23,10 @@ public:
     // Ends it wherever it is. What it did until then.
     std::vector<WorkerCall> Kill();
 
+    // Waits until it begins with its first call, and a little longer. Fails the test after a
+    // minute.
+    void WaitForStart() const;
+
     bool HasEnded() const { return WaitForSingleObject(m_process.Get(), 0) == WAIT_OBJECT_0; }
 
     UINT32 Number() const noexcept { return m_number; }

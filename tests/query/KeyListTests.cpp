@@ -115,4 +115,9 @@ TEST_F(KeyList, ThatFailedIsNotLookedAt) {
     ExpectTimeRange();
 }
 
+TEST_F(KeyList, ThatCannotBeHadForWantOfMemoryIsNotTakenForNone) {
+    m_request.giveKeys = [](VARIANT*) { return E_OUTOFMEMORY; };
+    ExpectNoAnswer(E_OUTOFMEMORY, kAsk, &m_request);
+}
+
 } // namespace tsl::test
