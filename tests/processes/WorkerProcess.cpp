@@ -18,6 +18,7 @@ std::filesystem::path NextReport() {
 
 WorkerProcess::WorkerProcess(const std::wstring& mode, const std::wstring& amount, UINT32 number)
     : m_number(number), m_report(NextReport()) {
+    std::filesystem::remove(m_report); // of an earlier process of the same number
     const std::wstring program = (ProgramFolder() / L"process_worker.exe").wstring();
     std::wstring command = L"\"" + program + L"\" " + mode + L" " + amount + L" " +
                            std::to_wstring(number) + L" \"" + m_report.wstring() + L"\"";

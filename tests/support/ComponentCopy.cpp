@@ -84,6 +84,7 @@ ComponentCopy::ComponentCopy() {
     m_folder =
         fs::temp_directory_path() / ("component_copy_" + std::to_string(GetCurrentProcessId()) +
                                      "_" + std::to_string(++serial));
+    fs::remove_all(m_folder); // of an earlier process of the same number
     fs::create_directories(m_folder);
     fs::copy_file(ProgramFolder() / kComponent, m_folder / kComponent);
     m_module = LoadLibraryW((m_folder / kComponent).c_str());
