@@ -30,7 +30,7 @@ protected:
     void ExpectOnlyTheHostsContainerIsRecorded(UINT32 id) {
         EXPECT_EQ(S_OK, Dispatch(FullAction(id, L"deleteItem")));
         EXPECT_EQ("", IdsIn(kActionLogRows));
-        EXPECT_EQ(kFullText, ParametersOf(kContentDeleteRows, id));
+        EXPECT_EQ(kFullText, ParametersOf(kTakenRows, id));
         EXPECT_EQ(kFullText, ParametersOf(kReplayRows, id));
         EXPECT_EQ(L"ualog.db", Store().DatabaseName());
     }

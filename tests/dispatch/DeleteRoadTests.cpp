@@ -23,22 +23,22 @@ TEST_F(DeleteRoad, LeavesAWholeRecordToTakeAndAShorterOneInTheLogs) {
         const std::wstring sent = name;
         Row row = {std::to_string(id), "3",        "7", std::string(sent.begin(), sent.end()),
                    kFullText,          "45356.25", "1"};
-        ASSERT_FALSE(RowsOf(kContentDeleteRows).empty());
-        EXPECT_EQ(row, RowsOf(kContentDeleteRows).back());
+        ASSERT_FALSE(RowsOf(kTakenRows).empty());
+        EXPECT_EQ(row, RowsOf(kTakenRows).back());
         row[4] = kCopiedText;
         ASSERT_FALSE(RowsOf(kActionLogRows).empty());
         EXPECT_EQ(row, RowsOf(kActionLogRows).back());
         ASSERT_FALSE(RowsOf(kReplayRows).empty());
         EXPECT_EQ(row, RowsOf(kReplayRows).back());
     }
-    for (const char* const table : {kContentDeleteRows, kActionLogRows, kReplayRows}) {
+    for (const char* const table : {kTakenRows, kActionLogRows, kReplayRows}) {
         EXPECT_EQ("6 7 8 9", IdsIn(table)) << table;
     }
 }
 
 TEST_F(DeleteRoad, TakesBareActionsToo) {
     EXPECT_EQ(S_OK, Report(Action(5, L"deleteItem")));
-    for (const char* const table : {kContentDeleteRows, kActionLogRows, kReplayRows}) {
+    for (const char* const table : {kTakenRows, kActionLogRows, kReplayRows}) {
         EXPECT_EQ("5", IdsIn(table));
         EXPECT_EQ("", ParametersOf(table, 5));
         EXPECT_EQ(1, CountRowsWhere(table, "AppLoggedTime = PluginLoggedTime"))
@@ -50,7 +50,7 @@ TEST_F(DeleteRoad, WithoutAnApplicationRecordsApplicationZero) {
     const ContainerBuilder action = Action(5, L"deleteItem");
     action.Get()->RemoveValue(kKeyAppId);
     EXPECT_EQ(S_OK, Report(action));
-    for (const char* const table : {kContentDeleteRows, kActionLogRows, kReplayRows}) {
+    for (const char* const table : {kTakenRows, kActionLogRows, kReplayRows}) {
         EXPECT_EQ(1, CountRowsWhere(table, "AppId = 0")) << table;
     }
 }
@@ -62,7 +62,7 @@ TEST_F(DeleteRoad, WithoutAUserOrAnIdRecordsNothing) {
         EXPECT_EQ(S_OK, Report(action));
     }
     EXPECT_EQ(S_OK, Report(Action(0, L"deleteItem")));
-    for (const char* const table : {kContentDeleteRows, kActionLogRows, kReplayRows}) {
+    for (const char* const table : {kTakenRows, kActionLogRows, kReplayRows}) {
         EXPECT_EQ("", IdsIn(table)) << table;
     }
 }
@@ -75,7 +75,7 @@ TEST_F(DeleteRoad, IsThatOfAnyOtherActionUnderOtherKinds) {
         EXPECT_EQ(S_OK, Report(FullAction(++id, L"deleteItem")));
         EXPECT_EQ(kFullText, ParametersOf(kActionLogRows, id));
         EXPECT_EQ(kFullText, ParametersOf(kReplayRows, id));
-        EXPECT_EQ("", IdsIn(kContentDeleteRows));
+        EXPECT_EQ("", IdsIn(kTakenRows));
     }
 }
 
@@ -85,7 +85,7 @@ TEST_F(DeleteRoad, UnderKindTwoAddsOnlyTheMoment) {
     const std::string expected = "ullValues={1,2,0}" + std::string(kFullText).substr(15);
     EXPECT_EQ(expected, ParametersOf(kActionLogRows, 5));
     EXPECT_EQ(expected, ParametersOf(kReplayRows, 5));
-    EXPECT_EQ("", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("", IdsIn(kTakenRows));
 }
 
 TEST_F(DeleteRoad, IsChosenByTheKindOfTheObjectThatIsTold) {
@@ -93,7 +93,7 @@ TEST_F(DeleteRoad, IsChosenByTheKindOfTheObjectThatIsTold) {
     ASSERT_EQ(S_OK, other->SetRecordingEnabled(4));
     EXPECT_EQ(S_OK, Report(Action(5, L"deleteItem")));
     EXPECT_EQ(S_OK, other->Notify(kCommandRecordAction, Action(6, L"deleteItem")));
-    EXPECT_EQ("5", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("5", IdsIn(kTakenRows));
     EXPECT_EQ("5 6", IdsIn(kActionLogRows));
     EXPECT_EQ("5 6", IdsIn(kReplayRows));
 }
@@ -101,17 +101,17 @@ TEST_F(DeleteRoad, IsChosenByTheKindOfTheObjectThatIsTold) {
 TEST_F(DeleteRoad, LeavesOneRecordPerId) {
     EXPECT_EQ(S_OK, Report(Action(5, L"deleteItem")));
     EXPECT_EQ(S_OK, Report(FullAction(5, L"autoDeleteItem")));
-    for (const char* const table : {kContentDeleteRows, kActionLogRows, kReplayRows}) {
+    for (const char* const table : {kTakenRows, kActionLogRows, kReplayRows}) {
         EXPECT_EQ("5", IdsIn(table)) << table;
     }
-    EXPECT_EQ(kFullText, ParametersOf(kContentDeleteRows, 5));
+    EXPECT_EQ(kFullText, ParametersOf(kTakenRows, 5));
     EXPECT_EQ(kCopiedText, ParametersOf(kActionLogRows, 5));
 }
 
 TEST_F(DeleteRoad, RecordsAfterwardsGoToTheActionLogAgain) {
     EXPECT_EQ(S_OK, Report(Action(5, L"deleteItem")));
     EXPECT_EQ(S_OK, Report(FullAction(6, L"playItem")));
-    EXPECT_EQ("5", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("5", IdsIn(kTakenRows));
     EXPECT_EQ(kFullText, ParametersOf(kActionLogRows, 6));
     EXPECT_EQ(kFullText, ParametersOf(kReplayRows, 6));
 }
@@ -121,7 +121,7 @@ TEST_F(DeleteRoad, WhoseWholeRecordCannotBeWrittenStillLeavesTheShorterOne) {
     ContainerBuilder action = FullAction(5, L"deleteItem");
     action.Text(kKeyIntValues, L"no numbers");
     EXPECT_EQ(S_OK, Report(action));
-    EXPECT_EQ("", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("", IdsIn(kTakenRows));
     EXPECT_EQ(kCopiedText, ParametersOf(kActionLogRows, 5));
     EXPECT_EQ(kCopiedText, ParametersOf(kReplayRows, 5));
 }
@@ -132,7 +132,7 @@ TEST_F(DeleteRoad, TreatsAValueThatCannotBeReadAsAbsentInTheCopy) {
     action.getResults[kKeyNumber] = E_ACCESSDENIED;
     EXPECT_EQ(S_OK, Report(&action));
     EXPECT_EQ(1u, action.References());
-    EXPECT_EQ("", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("", IdsIn(kTakenRows));
     const std::string expected = std::string(kCopiedText).substr(16);
     EXPECT_EQ(expected, ParametersOf(kActionLogRows, 5));
     EXPECT_EQ(expected, ParametersOf(kReplayRows, 5));

@@ -40,8 +40,8 @@ protected:
     // Makes the three tables, without rows. REQUIRES: log kind 1.
     void MakeTables() {
         ASSERT_EQ(S_OK, Report(Action(1, L"deleteItem")));
-        ASSERT_EQ("1 1 1", IdsIn(kActionLogRows) + " " + IdsIn(kContentDeleteRows) + " " +
-                               IdsIn(kReplayRows));
+        ASSERT_EQ("1 1 1",
+                  IdsIn(kActionLogRows) + " " + IdsIn(kTakenRows) + " " + IdsIn(kReplayRows));
         EmptyTables();
     }
 };

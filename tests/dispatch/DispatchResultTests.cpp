@@ -41,7 +41,7 @@ TEST_F(DispatchResult, IsTheFailureOfTheReplayLog) {
         EXPECT_EQ(kEngineCannotOpen, Report(Action(++id, name))) << name;
     }
     EXPECT_EQ("8", IdsIn(kActionLogRows)) << "the reset took 6 and 7";
-    EXPECT_EQ("7", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("7", IdsIn(kTakenRows));
     EXPECT_EQ(kEngineCannotOpen, Report(Action(100, L"playItem"))) << "with a trim before";
     EXPECT_EQ("8 100", IdsIn(kActionLogRows));
 }

@@ -119,7 +119,7 @@ TEST_P(NamesAndKinds, DecideTheTables) {
     }
     ASSERT_EQ(std::size(kActions) * 4 * 2, expected.size());
     ExpectRows(kActionLogRows, expected, &Expectation::inActionLog);
-    ExpectRows(kContentDeleteRows, expected, &Expectation::inContentDelete);
+    ExpectRows(kTakenRows, expected, &Expectation::inContentDelete);
     ExpectRows(kReplayRows, expected, &Expectation::inReplay);
     for (const char* const table : {kActionLogRows, kReplayRows}) {
         EXPECT_EQ(0, CountRowsWhere(table, "LogKind <> " + std::to_string(kind))) << table;

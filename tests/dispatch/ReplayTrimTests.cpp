@@ -84,18 +84,18 @@ TEST_F(ReplayTrim, LeavesAThousandRecordsOfAnotherLogKind) {
 }
 
 TEST_F(ReplayTrim, LeavesTheOtherTables) {
-    for (const char* const table : {kActionLogRows, kContentDeleteRows, kReplayRows}) {
+    for (const char* const table : {kActionLogRows, kTakenRows, kReplayRows}) {
         Fill(table, {.count = 1000});
     }
     EXPECT_EQ(S_OK, Report(Action(300, L"playItem")));
     EXPECT_EQ("300", IdsIn(kReplayRows));
     EXPECT_EQ(1001, CountRowsOf(kActionLogRows));
-    EXPECT_EQ(1000, CountRowsOf(kContentDeleteRows));
+    EXPECT_EQ(1000, CountRowsOf(kTakenRows));
 }
 
 TEST_F(ReplayTrim, IsNotCausedByTheOtherTables) {
     Fill(kActionLogRows, {.count = 1500});
-    Fill(kContentDeleteRows, {.count = 1500});
+    Fill(kTakenRows, {.count = 1500});
     Fill(kReplayRows, {.count = 10});
     EXPECT_EQ(S_OK, Report(Action(300, L"playItem")));
     EXPECT_EQ(11, CountRowsOf(kReplayRows));

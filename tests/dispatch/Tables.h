@@ -10,8 +10,6 @@
 
 namespace tsl::test {
 
-inline constexpr char kContentDeleteRows[] = "TslIf_ContentDeleteProperty";
-
 inline std::filesystem::path FileOf(const std::string& table) {
     return table == kReplayRows ? ReplayPath() : ActionLogPath();
 }
@@ -68,7 +66,7 @@ inline void Fill(const std::string& table, const Filling& rows) {
 
 // Empties the three tables, which must be there.
 inline void EmptyTables() {
-    for (const char* const table : {kActionLogRows, kContentDeleteRows, kReplayRows}) {
+    for (const char* const table : {kActionLogRows, kTakenRows, kReplayRows}) {
         const FileDatabase file(FileOf(table));
         file.Query(std::string("DELETE FROM ") + table);
         file.Query("PRAGMA user_version = 0");

@@ -35,13 +35,13 @@ protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(DispatchTest::SetUp());
         MakeTables();
-        for (const char* const table : {kActionLogRows, kContentDeleteRows, kReplayRows}) {
+        for (const char* const table : {kActionLogRows, kTakenRows, kReplayRows}) {
             Fill(table, {.firstId = 11, .count = 3});
         }
     }
     static void ExpectNothingDone() {
         EXPECT_EQ("11 12 13", IdsIn(kActionLogRows));
-        EXPECT_EQ("11 12 13", IdsIn(kContentDeleteRows));
+        EXPECT_EQ("11 12 13", IdsIn(kTakenRows));
         EXPECT_EQ("11 12 13", IdsIn(kReplayRows));
     }
 };
@@ -96,7 +96,7 @@ TEST_F(UnreadableName, ThatRefersToTextResetsButIsNotRecorded) {
     ReferredName reset(L"veSettingReset");
     EXPECT_EQ(S_OK, Report(reset.Action()));
     EXPECT_EQ("", IdsIn(kActionLogRows));
-    EXPECT_EQ("11 12 13", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("11 12 13", IdsIn(kTakenRows));
     EXPECT_EQ("11 12 13", IdsIn(kReplayRows));
 }
 
@@ -109,7 +109,7 @@ TEST_F(UnreadableName, ThatRefersToTextIsNoDeleteAction) {
 TEST_F(UnreadableName, ThatIsEmptyIsRecordedLikeAnyOther) {
     EXPECT_EQ(S_OK, Report(Action(20, L"")));
     EXPECT_EQ("11 12 13 20", IdsIn(kActionLogRows));
-    EXPECT_EQ("11 12 13", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("11 12 13", IdsIn(kTakenRows));
     EXPECT_EQ("11 12 13 20", IdsIn(kReplayRows));
 }
 

@@ -10,7 +10,7 @@ protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(StoreDispatchTest::SetUp());
         MakeTables();
-        for (const char* const table : {kActionLogRows, kContentDeleteRows, kReplayRows}) {
+        for (const char* const table : {kActionLogRows, kTakenRows, kReplayRows}) {
             Fill(table, {.firstId = 11, .count = 3});
         }
         Select(kActionLogFileName, kActionLogTable);
@@ -46,7 +46,7 @@ TEST_F(UserResetRequest, WorksOnTheSelectedTable) {
     Select(kActionLogFileName, kContentDeleteTable);
     EXPECT_EQ(S_OK, Reset(OfUser()));
     EXPECT_EQ("11 12 13", IdsIn(kActionLogRows));
-    EXPECT_EQ("", IdsIn(kContentDeleteRows));
+    EXPECT_EQ("", IdsIn(kTakenRows));
     EXPECT_EQ("11 12 13", IdsIn(kReplayRows));
 }
 

@@ -11,7 +11,7 @@ protected:
     }
     // Three records, 11 to 13, in each table.
     static void FillAll(INT64 user = 7) {
-        for (const char* const table : {kActionLogRows, kContentDeleteRows, kReplayRows}) {
+        for (const char* const table : {kActionLogRows, kTakenRows, kReplayRows}) {
             Fill(table, {.firstId = 11, .count = 3, .user = user});
         }
     }
@@ -27,7 +27,7 @@ TEST_F(UserReset, InAnyCaseEmptiesTheActionLogThenIsRecordedItself) {
         EXPECT_EQ(S_OK, Report(Action(++id, name)));
         EXPECT_EQ(std::to_string(id), IdsIn(kActionLogRows));
         EXPECT_EQ("11 12 13 " + std::to_string(id), IdsIn(kReplayRows));
-        EXPECT_EQ("11 12 13", IdsIn(kContentDeleteRows));
+        EXPECT_EQ("11 12 13", IdsIn(kTakenRows));
         const std::wstring sent = name;
         EXPECT_EQ(std::string(sent.begin(), sent.end()),
                   FileDatabase(ActionLogPath()).Value("SELECT ActionName FROM TslIf_DbActionLog"));

@@ -132,8 +132,7 @@ std::vector<Operation> Recordings() {
          .makesTables = true},
         {.name = "RecordThatIsKept",
          .logKind = 1,
-         .stages = {Write(kContentDeleteRows, 12), Write(kActionLogRows, 12),
-                    Write(kReplayRows, 12)},
+         .stages = {Write(kTakenRows, 12), Write(kActionLogRows, 12), Write(kReplayRows, 12)},
          .run = Record(12, L"deleteItem")},
         {.name = "RecordOfReplayLogAlone",
          .logKind = kTweets,
@@ -194,7 +193,7 @@ std::vector<Operation> Queries() {
          .answers = 4},
         {.name = "AllIds",
          .logKind = 1,
-         .stages = {ReadAnswer(kContentDeleteRows)},
+         .stages = {ReadAnswer(kTakenRows)},
          .run = Ask(kCommandQueryAllIds, ContainerBuilder()),
          .answers = 3},
         {.name = "RecordsByIds",
@@ -204,8 +203,8 @@ std::vector<Operation> Queries() {
          .answers = 2},
         {.name = "TakenRecord",
          .logKind = 1,
-         .stages = {{StageKind::Fetch, kContentDeleteRows, {}, Report::Mapped},
-                    {StageKind::Delete, kContentDeleteRows, {12}, Report::Nowhere}},
+         .stages = {{StageKind::Fetch, kTakenRows, {}, Report::Mapped},
+                    {StageKind::Delete, kTakenRows, {12}, Report::Nowhere}},
          .run = Ask(kCommandTakeRecord, ContainerBuilder().Ui8(kKeyRecordToTake, 12)),
          .answers = 1},
     };
@@ -248,7 +247,7 @@ const std::vector<OperationGroup>& OperationGroups() {
 
 void MakeFilledStore() {
     MakeTable(kActionLogRows, kLogged);
-    MakeTable(kContentDeleteRows, kKept);
+    MakeTable(kTakenRows, kKept);
     MakeTable(kReplayRows, kReplayed);
     SetMark(kActionLogRows, kLogged.back().id);
     SetMark(kReplayRows, kReplayed.back().id);

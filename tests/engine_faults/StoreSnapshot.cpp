@@ -63,7 +63,7 @@ StoreSnapshot::StoreSnapshot() {
         return File{path, std::move(tables), path.wstring() + L"-journal", {}};
     };
     m_counter = makeFile(CounterPath(), {});
-    m_databases = {makeFile(ActionLogPath(), {kActionLogRows, kContentDeleteRows}),
+    m_databases = {makeFile(ActionLogPath(), {kActionLogRows, kTakenRows}),
                    makeFile(ReplayPath(), {kReplayRows})};
 }
 

@@ -47,7 +47,7 @@ TEST_F(RecordingFaults, BusyLockForAMomentLosesNothing) {
     RunWithEachFault(operation, kBusyLock, /*fromThenOn=*/false);
 }
 
-// A commit waits three seconds then, so no other operation is tried.
+// Each statement waits a second then, so no other operation is tried.
 TEST_F(RecordingFaults, BusyLockForGoodLosesNothing) {
     Operation operation = Recording(Plugin(), kNewId);
     ASSERT_NO_FATAL_FAILURE(Rehearse(operation));

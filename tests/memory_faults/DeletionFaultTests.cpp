@@ -13,9 +13,9 @@ protected:
             ContainerBuilder action = Action(id, L"playItem");
             ASSERT_EQ(S_OK, Plugin().Notify(kCommandRecordAction, action.Ui4(kKeyUserId, 1)));
         }
-        FileDatabase database(ActionLogPath());
-        database.Query("UPDATE TslIf_DbActionLog SET PluginLoggedTime = ActionLogId");
-        database.Query("CREATE TABLE Copy AS SELECT * FROM TslIf_DbActionLog");
+        FileDatabase(ActionLogPath())
+            .Query("UPDATE TslIf_DbActionLog SET PluginLoggedTime = ActionLogId");
+        KeepCopy(ActionLogPath(), kActionLogRows);
         PrepareUserIdList(Utf16FileBytes(L"0x00000001\t" + TokenSid() + L"\t\r\n"));
     }
 
@@ -23,12 +23,7 @@ protected:
                 std::vector<AllowedResult> allowed = {}) {
         FailEachAllocation({
             .name = name,
-            .prepare =
-                [] {
-                    FileDatabase(ActionLogPath())
-                        .Query("BEGIN; DELETE FROM TslIf_DbActionLog; "
-                               "INSERT INTO TslIf_DbActionLog SELECT * FROM Copy; COMMIT");
-                },
+            .prepare = [] { PutBackCopy(ActionLogPath(), kActionLogRows); },
             .run = [&] { return Plugin().Delete(kCommandDeleteRecords, request); },
             .allowed = std::move(allowed),
             .check =

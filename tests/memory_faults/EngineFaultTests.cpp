@@ -28,15 +28,10 @@ protected:
     }
     void Delete(const char* name, const ContainerBuilder& request,
                 std::vector<AllowedResult> allowed) {
-        FileDatabase(ActionLogPath()).Query("CREATE TABLE Copy AS SELECT * FROM TslIf_DbActionLog");
+        KeepCopy(ActionLogPath(), kActionLogRows);
         FailEachAllocation({
             .name = name,
-            .prepare =
-                [] {
-                    FileDatabase(ActionLogPath())
-                        .Query("BEGIN; DELETE FROM TslIf_DbActionLog; "
-                               "INSERT INTO TslIf_DbActionLog SELECT * FROM Copy; COMMIT");
-                },
+            .prepare = [] { PutBackCopy(ActionLogPath(), kActionLogRows); },
             .run = [&] { return Plugin().Delete(kCommandDeleteRecords, request); },
             .allowed = std::move(allowed),
             .check =

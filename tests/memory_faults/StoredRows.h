@@ -27,4 +27,15 @@ inline std::string IdsIn(const std::filesystem::path& database, const std::strin
         " ORDER BY ActionLogId)");
 }
 
+// Keeps the rows of a table beside it.
+inline void KeepCopy(const std::filesystem::path& database, const std::string& table) {
+    FileDatabase(database).Query("CREATE TABLE Copy AS SELECT * FROM " + table);
+}
+
+// Puts the kept rows back in the place of those that are there.
+inline void PutBackCopy(const std::filesystem::path& database, const std::string& table) {
+    FileDatabase(database).Query("BEGIN; DELETE FROM " + table + "; INSERT INTO " + table +
+                                 " SELECT * FROM Copy; COMMIT");
+}
+
 } // namespace tsl::test

@@ -14,11 +14,10 @@ protected:
         ContainerBuilder action = Action(5, L"deleteItem");
         action.Ui4(kKeyUserId, 1);
         ASSERT_EQ(S_OK, Plugin().Notify(kCommandRecordAction, action));
-        FileDatabase database(ActionLogPath());
-        database.Query(
-            "UPDATE TslIf_ContentDeleteProperty SET ActionParameters = "
-            "'ullValues={900,901}&intValues={1,2,3}&stringValues={a,long%20text%2c%20b}'");
-        database.Query("CREATE TABLE Copy AS SELECT * FROM TslIf_ContentDeleteProperty");
+        FileDatabase(ActionLogPath())
+            .Query("UPDATE TslIf_ContentDeleteProperty SET ActionParameters = "
+                   "'ullValues={900,901}&intValues={1,2,3}&stringValues={a,long%20text%2c%20b}'");
+        KeepCopy(ActionLogPath(), kTakenRows);
         PrepareUserIdList(Utf16FileBytes(L"0x00000001\t" + TokenSid() + L"\t\r\n"));
     }
     void TearDown() override {
@@ -34,10 +33,7 @@ protected:
             .prepare =
                 [&] {
                     m_sink.texts.clear();
-                    FileDatabase(ActionLogPath())
-                        .Query(
-                            "BEGIN; DELETE FROM TslIf_ContentDeleteProperty; "
-                            "INSERT INTO TslIf_ContentDeleteProperty SELECT * FROM Copy; COMMIT");
+                    PutBackCopy(ActionLogPath(), kTakenRows);
                 },
             .run = [&] { return Ask(kCommandTakeRecord, request); },
             .allowed = {},

@@ -13,9 +13,6 @@ protected:
         ContainerBuilder action = Action(recordId, name);
         return Plugin().Notify(kCommandRecordAction, action.Ui4(kKeyUserId, userId));
     }
-    static void Run(const std::filesystem::path& database, const std::string& sql) {
-        FileDatabase(database).Query(sql);
-    }
 };
 
 TEST_F(UserResetFaults, TakeAllOfTheUsersRecordsOrNone) {
@@ -23,16 +20,16 @@ TEST_F(UserResetFaults, TakeAllOfTheUsersRecordsOrNone) {
     for (UINT32 id = 1; id <= 3; ++id)
         ASSERT_EQ(S_OK, Notify(id, L"playItem", 7));
     ASSERT_EQ(S_OK, Notify(4, L"playItem", 8));
-    Run(ActionLogPath(), "CREATE TABLE Copy AS SELECT * FROM TslIf_DbActionLog");
+    KeepCopy(ActionLogPath(), kActionLogRows);
     const ContainerBuilder action = Action(kId, L"veSettingReset");
 
     FailEachAllocation({
         .name = "reset of a user's records",
         .prepare =
             [] {
-                Run(ActionLogPath(), "BEGIN; DELETE FROM TslIf_DbActionLog; "
-                                     "INSERT INTO TslIf_DbActionLog SELECT * FROM Copy; COMMIT");
-                Run(ReplayPath(), "DELETE FROM TslIf_ActionReplay WHERE ActionLogId = 9");
+                PutBackCopy(ActionLogPath(), kActionLogRows);
+                FileDatabase(ReplayPath())
+                    .Query("DELETE FROM TslIf_ActionReplay WHERE ActionLogId = 9");
             },
         .run = [&] { return Plugin().Notify(kCommandRecordAction, action); },
         .allowed = {},
@@ -52,24 +49,21 @@ TEST_F(UserResetFaults, TakeAllOfTheUsersRecordsOrNone) {
 TEST_F(UserResetFaults, TrimTheReplayLogOrLeaveItAsItWas) {
     constexpr UINT32 kId = 100000;
     ASSERT_EQ(S_OK, Notify(1, L"playItem", 7));
-    Run(ReplayPath(),
-        "WITH RECURSIVE Numbers(value) AS (SELECT 2 UNION ALL SELECT value + 1 FROM Numbers WHERE "
-        "value < 1000) "
-        "INSERT INTO TslIf_ActionReplay SELECT value, UsedLog, AppId, AppName, UserId, "
-        "ActionName, ActionParameters, AppLoggedTime, PluginLoggedTime, PreActionName, "
-        "PreActionParameters, PreLoggedTime, LogKind "
-        "FROM TslIf_ActionReplay, Numbers");
-    Run(ReplayPath(), "CREATE TABLE Copy AS SELECT * FROM TslIf_ActionReplay");
+    FileDatabase(ReplayPath())
+        .Query("WITH RECURSIVE Numbers(value) AS (SELECT 2 UNION ALL SELECT value + 1 FROM Numbers "
+               "WHERE "
+               "value < 1000) "
+               "INSERT INTO TslIf_ActionReplay SELECT value, UsedLog, AppId, AppName, UserId, "
+               "ActionName, ActionParameters, AppLoggedTime, PluginLoggedTime, PreActionName, "
+               "PreActionParameters, PreLoggedTime, LogKind "
+               "FROM TslIf_ActionReplay, Numbers");
+    KeepCopy(ReplayPath(), kReplayRows);
     ASSERT_EQ(1000, CountRows(ReplayPath(), kReplayRows));
     const ContainerBuilder action = Action(kId, L"playItem");
 
     FailEachAllocation({
         .name = "action at which the replay log is trimmed",
-        .prepare =
-            [] {
-                Run(ReplayPath(), "BEGIN; DELETE FROM TslIf_ActionReplay; "
-                                  "INSERT INTO TslIf_ActionReplay SELECT * FROM Copy; COMMIT");
-            },
+        .prepare = [] { PutBackCopy(ReplayPath(), kReplayRows); },
         .run = [&] { return Plugin().Notify(kCommandRecordAction, action); },
         .allowed = {},
         .check =

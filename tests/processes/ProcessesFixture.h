@@ -50,6 +50,4 @@ protected:
     static void ExpectWholeDatabases();
 };
 
-inline constexpr char kTakenRows[] = "TslIf_ContentDeleteProperty";
-
 } // namespace tsl::test

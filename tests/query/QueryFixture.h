@@ -17,8 +17,6 @@
 
 namespace tsl::test {
 
-inline constexpr char kTakenRows[] = "TslIf_ContentDeleteProperty";
-
 inline constexpr HRESULT kEngineError = static_cast<HRESULT>(0x80041600);
 inline constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
 inline constexpr HRESULT kEngineCorrupt = static_cast<HRESULT>(0x8004160A);

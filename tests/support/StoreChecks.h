@@ -7,6 +7,7 @@
 namespace tsl::test {
 
 inline constexpr char kActionLogRows[] = "TslIf_DbActionLog";
+inline constexpr char kTakenRows[] = "TslIf_ContentDeleteProperty";
 inline constexpr char kReplayRows[] = "TslIf_ActionReplay";
 
 inline constexpr wchar_t kSqliteAccessLock[] = L"Global\\TslIfDbActionLog_SQLiteAccess";
