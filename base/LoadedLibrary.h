@@ -24,6 +24,8 @@ public:
 
     explicit operator bool() const noexcept { return m_module != nullptr; }
 
+    HMODULE Module() const noexcept { return m_module; }
+
     // An exported function; null when there is none. REQUIRES: the DLL was loaded.
     template <class Function>
     Function Find(const char* name) const noexcept {

@@ -1,6 +1,7 @@
 #include "base/PercentEncoding.h"
 
 #include <array>
+#include <cstring>
 
 namespace tsl {
 
@@ -13,16 +14,40 @@ static_assert(kReserved.size() == 30);
 constexpr std::wstring_view kHexDigits = L"0123456789abcdef";
 constexpr size_t kCodeLength = 3;
 
-constexpr std::array<bool, 128> ReservedTable() {
-    std::array<bool, 128> table{};
-    for (const wchar_t character : kReserved)
-        table[character] = true;
+// What stands for a character: itself, or its code.
+struct Encoded {
+    wchar_t text[kCodeLength];
+    wchar_t length;
+};
+
+// Of all characters that can be reserved.
+constexpr std::array<Encoded, 128> EncodedTable() {
+    std::array<Encoded, 128> table{};
+    for (size_t character = 0; character < table.size(); ++character)
+        table[character] = {{static_cast<wchar_t>(character)}, 1};
+    for (const wchar_t character : kReserved) {
+        table[character] = {{L'%', kHexDigits[character >> 4], kHexDigits[character & 15]},
+                            kCodeLength};
+    }
     return table;
 }
 
+constexpr std::array<Encoded, 128> kEncoded = EncodedTable();
+
 bool IsReserved(unsigned code) noexcept {
-    static constexpr std::array<bool, 128> table = ReservedTable();
-    return code < table.size() && table[code];
+    return code < kEncoded.size() && kEncoded[code].length == kCodeLength;
+}
+
+// Writes what stands for the character and returns where that ends. What lies behind, up to the
+// size of an entry, is written over: so there is nothing to decide for each character.
+wchar_t* PutEncoded(wchar_t* place, wchar_t character) noexcept {
+    if (character >= kEncoded.size()) {
+        *place = character;
+        return place + 1;
+    }
+    const Encoded& encoded = kEncoded[character];
+    std::memcpy(place, &encoded, sizeof encoded);
+    return place + encoded.length;
 }
 
 // 16 for what is no hexadecimal digit.
@@ -45,16 +70,16 @@ wchar_t CodedCharacter(std::wstring_view text, size_t position) noexcept {
 } // namespace
 
 void AppendPercentEncoded(std::wstring& output, std::wstring_view text) {
-    size_t plainStart = 0;
-    for (size_t position = 0; position < text.size(); ++position) {
-        const unsigned code = text[position];
-        if (!IsReserved(code)) continue;
-        output.append(text, plainStart, position - plainStart);
-        const wchar_t encoded[kCodeLength] = {L'%', kHexDigits[code >> 4], kHexDigits[code & 15]};
-        output.append(encoded, kCodeLength);
-        plainStart = position + 1;
+    constexpr size_t kPiece = 128;
+    wchar_t encoded[kPiece * kCodeLength + sizeof(Encoded) / sizeof(wchar_t)];
+    while (!text.empty()) {
+        const std::wstring_view piece = text.substr(0, kPiece);
+        wchar_t* end = encoded;
+        for (const wchar_t character : piece)
+            end = PutEncoded(end, character);
+        output.append(encoded, end);
+        text.remove_prefix(piece.size());
     }
-    output.append(text, plainStart);
 }
 
 std::wstring PercentDecode(std::wstring_view text) {

@@ -84,6 +84,11 @@ HRESULT EncodeBoolValues(std::span<const VARIANT_BOOL> values, std::wstring& out
 
 HRESULT EncodeStringValues(std::span<const std::wstring_view> values, std::wstring& output,
                            bool textBefore, bool omitName, bool isUserLocation) {
+    // Room for the texts with one character in four encoded, so that most grow no more.
+    size_t size = 0;
+    for (const std::wstring_view value : values)
+        size += value.size() + 1;
+    output.reserve(output.size() + std::size(kStringName) + size + size / 2);
     return EncodeGroup(kStringName, values.size(), output, textBefore, omitName, [&](size_t index) {
         const bool useDefault = isUserLocation && index == 0 && values[index].empty();
         AppendPercentEncoded(output, useDefault ? kDefaultCountry : values[index]);
