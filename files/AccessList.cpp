@@ -47,14 +47,14 @@ size_t SidOffset(EntryBytes entry) noexcept {
     }
 }
 
+// REQUIRES: the entry is no shorter than its header.
 bool IsFor(EntryBytes entry, PSID trustee) {
     const size_t offset = SidOffset(entry);
-    if (offset == 0 || entry.size() <= offset) return false;
-    const EntryBytes rest = entry.subspan(offset);
-    std::vector<std::byte> sid(rest.begin(), rest.end());
-    if (sid.size() < GetSidLengthRequired(0)) return false;
-    return IsValidSid(sid.data()) && GetLengthSid(sid.data()) <= sid.size() &&
-           EqualSid(sid.data(), trustee);
+    if (offset == 0 || entry.size() < offset + GetSidLengthRequired(0)) return false;
+    // The call only reads, though it is declared otherwise. Entries lie on the heap, and SIDs in
+    // them at multiples of four bytes.
+    void* const sid = const_cast<std::byte*>(entry.data() + offset);
+    return IsValidSid(sid) && GetLengthSid(sid) <= entry.size() - offset && EqualSid(sid, trustee);
 }
 
 } // namespace

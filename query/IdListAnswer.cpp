@@ -15,6 +15,7 @@ HRESULT AnswerList(std::span<const Id> ids, UINT64 commandCode, UINT64 key, bool
                    VARIANT* result, MakeValue makeValue) {
     if (!result) return E_POINTER;
     ContainerList containers;
+    containers.reserve(ids.size());
     HRESULT status = E_INVALIDARG;
     for (const Id id : ids) {
         if (skipZero && id == 0) continue;

@@ -78,7 +78,7 @@ bool IsWrapped(UINT32 first, UINT32 last) noexcept {
 
 int CollectIdRange(const CActionLogStore& store, const CDatabase& database, UINT32 userId,
                    UINT32 first, UINT32 last, std::vector<UINT32>& ids) {
-    const std::wstring table = store.SelectedTable();
+    const std::wstring& table = store.SelectedTable();
     CStatement statement(database);
     int status = statement.Prepare(
         RangeStatement(table, {kUserIdColumn, kLogKindColumn}, kActionLogIdColumn));
@@ -95,7 +95,7 @@ int CollectIdRange(const CActionLogStore& store, const CDatabase& database, UINT
 
 int CollectWrappedRange(const CActionLogStore& store, const CDatabase& database, UINT32 userId,
                         UINT32 first, UINT32 last, std::vector<UINT32>& ids) {
-    const std::wstring table = store.SelectedTable();
+    const std::wstring& table = store.SelectedTable();
     DATE start = kEarliestTime;
     DATE end = kLatestTime;
     int status = ReadLoggedTime(database, table, first, start);

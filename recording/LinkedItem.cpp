@@ -5,8 +5,6 @@
 
 #include "base/ComPtr.h"
 #include "component/host/Identities.h"
-#include "query/ContainerValues.h"
-#include "recording/ValueList.h"
 
 namespace tsl {
 
@@ -16,11 +14,11 @@ constexpr ULONGLONG kNoId = 0xFFFFFFFFFFFFFFFF;
 constexpr std::wstring_view kChannelMarker = L"VELLORA_CHANNEL";
 
 // False when the text is not there. An empty one is there, but nothing is appended.
-bool AppendText(ITslParamContainer& item, UINT64 key, std::vector<std::wstring>& texts) {
-    CVariant value;
+bool AppendText(ITslParamContainer& item, UINT64 key, CVariant& value,
+                std::vector<std::wstring_view>& texts) {
     if (ReadValue(item, key, value) != S_OK || value.Type() == VT_EMPTY) return false;
     const std::wstring_view text = BstrView(value.Get().bstrVal);
-    if (!text.empty()) texts.emplace_back(text);
+    if (!text.empty()) texts.push_back(text);
     return true;
 }
 
@@ -36,20 +34,18 @@ CComPtr<ITslParamContainer> LinkedItem(ITslParamContainer& container) {
 HRESULT AppendLinkedItemValues(ITslParamContainer& container, LinkedItemValues& gathered) {
     const CComPtr<ITslParamContainer> item = LinkedItem(container);
     if (!item) return S_OK;
-    if (!AppendText(*item.Get(), kKeyText44, gathered.texts)) return E_INVALIDARG;
-    if (!AppendText(*item.Get(), kKeyText48, gathered.texts)) return E_INVALIDARG;
+    if (!AppendText(*item, kKeyText44, gathered.firstText, gathered.texts)) return E_INVALIDARG;
+    if (!AppendText(*item, kKeyText48, gathered.secondText, gathered.texts)) return E_INVALIDARG;
 
-    CValueList<BSTR> first;
-    if (!first.ReadRequired(*item.Get(), kKeyStringValues)) return E_INVALIDARG;
-    const std::span<const BSTR> names = first.Values();
+    if (!gathered.names.ReadRequired(*item, kKeyStringValues)) return E_INVALIDARG;
+    const std::span<const BSTR> names = gathered.names.Values();
     if (std::ranges::any_of(names, [](BSTR name) { return BstrView(name).empty(); })) {
         return E_INVALIDARG;
     }
-    CValueList<BSTR> second;
-    if (!second.ReadRequired(*item.Get(), kKeyMoreStringValues)) return E_INVALIDARG;
-    const std::span<const BSTR> details = second.Values();
+    if (!gathered.details.ReadRequired(*item, kKeyMoreStringValues)) return E_INVALIDARG;
+    const std::span<const BSTR> details = gathered.details.Values();
     CValueList<ULONGLONG> ids;
-    if (!ids.ReadRequired(*item.Get(), kKeyUllValues)) return E_INVALIDARG;
+    if (!ids.ReadRequired(*item, kKeyUllValues)) return E_INVALIDARG;
     gathered.ids.assign(ids.Values().begin(), ids.Values().end());
 
     // Missing ids are padded to the number of details, missing details to the number of names; the
@@ -60,10 +56,11 @@ HRESULT AppendLinkedItemValues(ITslParamContainer& container, LinkedItemValues& 
         std::ranges::replace(gathered.ids, ULONGLONG{0}, kNoId);
     }
     if (names.size() != detailCount || gathered.ids.size() != detailCount) return E_INVALIDARG;
+    gathered.texts.reserve(gathered.texts.size() + 2 * names.size());
     for (size_t index = 0; index < names.size(); ++index) {
-        gathered.texts.emplace_back(BstrView(names[index]));
-        gathered.texts.emplace_back(index < details.size() ? BstrView(details[index])
-                                                           : std::wstring_view());
+        gathered.texts.push_back(BstrView(names[index]));
+        gathered.texts.push_back(index < details.size() ? BstrView(details[index])
+                                                        : std::wstring_view());
     }
     return S_OK;
 }

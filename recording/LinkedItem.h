@@ -2,17 +2,23 @@
 // own holds.
 #pragma once
 
-#include <string>
+#include <string_view>
 #include <vector>
 
-#include "component/host/ITslParamContainer.h"
+#include "recording/ValueList.h"
 
 namespace tsl {
 
-// What was gathered of a linked item.
+// What was gathered of a linked item. Gathered once.
 struct LinkedItemValues {
     std::vector<ULONGLONG> ids;
-    std::vector<std::wstring> texts;
+    // In place: the values below own them.
+    std::vector<std::wstring_view> texts;
+
+    CVariant firstText;
+    CVariant secondText;
+    CValueList<BSTR> names;
+    CValueList<BSTR> details;
 };
 
 // Gathers the values of the linked item. S_OK when all of it was read, or there is none;

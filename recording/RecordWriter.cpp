@@ -62,18 +62,18 @@ HRESULT ReadRecord(ITslParamContainer& container, UINT32 logKind, ActionRecord& 
     return FAILED(result) ? result : S_OK;
 }
 
+// Of every table, so that the text grows no more.
+constexpr size_t kRoomForReplaceText = 300;
+
 std::wstring ReplaceText(const std::wstring& table) {
-    std::wstring columns;
-    std::wstring placeholders;
-    for (const Column& column : kActionColumns) {
-        if (!columns.empty()) {
-            columns += L',';
-            placeholders += L',';
-        }
-        columns += column.name;
-        placeholders += L'?';
-    }
-    return L"REPLACE INTO " + table + L" (" + columns + L") VALUES(" + placeholders + L")";
+    std::wstring text;
+    text.reserve(kRoomForReplaceText);
+    text.append(L"REPLACE INTO ").append(table);
+    for (size_t index = 0; index < kActionColumns.size(); ++index)
+        text.append(index == 0 ? L" (" : L",").append(kActionColumns[index].name);
+    for (size_t index = 0; index < kActionColumns.size(); ++index)
+        text.append(index == 0 ? L") VALUES(?" : L",?");
+    return text += L')';
 }
 
 int BindRow(CStatement& statement, const ActionRecord& record) {

@@ -25,6 +25,7 @@ CActionLogStore::CActionLogStore(HMODULE module) {
 HRESULT CActionLogStore::SelectTable(std::wstring_view prefix, std::wstring_view name) {
     m_prefix = prefix;
     m_name = name;
+    m_table = TableName(prefix, name);
     return S_OK;
 }
 

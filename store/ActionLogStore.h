@@ -27,7 +27,7 @@ public:
     HRESULT SelectTable(std::wstring_view prefix, std::wstring_view name);
     const std::wstring& Prefix() const noexcept { return m_prefix; }
     const std::wstring& Name() const noexcept { return m_name; }
-    std::wstring SelectedTable() const { return TableName(m_prefix, m_name); }
+    const std::wstring& SelectedTable() const noexcept { return m_table; }
 
     // Chooses the database file; an empty name stands for the action log.
     void SelectDatabase(std::wstring_view fileName) { m_databaseName = fileName; }
@@ -67,6 +67,7 @@ private:
     std::wstring m_databaseName = kActionLogFileName;
     std::wstring m_prefix;
     std::wstring m_name;
+    std::wstring m_table;
     UINT32 m_recordIdCounter = 0;
     UINT32 m_logKind = 0;
     CNamedMutex m_sqliteAccessLock{kSqliteAccessMutexName};

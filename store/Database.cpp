@@ -28,7 +28,7 @@ void CDatabase::Close() noexcept {
     m_connection = nullptr;
 }
 
-int CStatement::Prepare(const std::wstring& text) {
+int CStatement::Prepare(CSqlText text) {
     Finalize();
     return m_database.Engine().Prepare(m_database.Connection(), text, &m_statement);
 }
@@ -72,13 +72,13 @@ const wchar_t* CStatement::ColumnText(int column) const {
     return m_database.Engine().ColumnText(m_statement, column);
 }
 
-int ExecuteStatement(const CDatabase& database, const std::wstring& text) {
+int ExecuteStatement(const CDatabase& database, CSqlText text) {
     CStatement statement(database);
     const int result = statement.Prepare(text);
     return result == kSqliteOk ? statement.Run() : result;
 }
 
-int ReadNumber(const CDatabase& database, const std::wstring& text, int column, INT64& number) {
+int ReadNumber(const CDatabase& database, CSqlText text, int column, INT64& number) {
     if (!database.Engine().ReadsIntegers()) return kSqliteError;
     CStatement statement(database);
     int result = statement.Prepare(text);

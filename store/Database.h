@@ -40,7 +40,7 @@ public:
     CStatement& operator=(const CStatement&) = delete;
     ~CStatement() { Finalize(); }
 
-    int Prepare(const std::wstring& text);
+    int Prepare(CSqlText text);
     int BindInt64(int index, INT64 value);
     int BindText(int index, const wchar_t* text);
     int BindDouble(int index, double value);
@@ -72,11 +72,11 @@ private:
 };
 
 // Prepares the text and runs it to its end. SQLITE_ROW when it yields a row.
-int ExecuteStatement(const CDatabase& database, const std::wstring& text);
+int ExecuteStatement(const CDatabase& database, CSqlText text);
 
 // Reads the integer in a column of the first row that the text yields. SQLITE_DONE, with the number
 // untouched, when it yields none; SQLITE_ERROR when the engine reads no integers.
-int ReadNumber(const CDatabase& database, const std::wstring& text, int column, INT64& number);
+int ReadNumber(const CDatabase& database, CSqlText text, int column, INT64& number);
 
 // Rolls back when it goes, unless it was committed. Every call returns the engine's result.
 class CTransaction {

@@ -42,7 +42,7 @@ int WriteMark(const CDatabase& database, UINT32 mark) {
 } // namespace
 
 int RemoveOlderRows(const CActionLogStore& store, const CDatabase& database, UINT32 recordId) {
-    const std::wstring table = store.SelectedTable();
+    const std::wstring& table = store.SelectedTable();
     if (!SelectedTableHasMark(store)) return DeleteRows(database, table, recordId);
 
     if (!database.Engine().ReadsIntegers()) {

@@ -13,9 +13,14 @@ namespace {
 // so.
 constexpr size_t kColumnAfterBlank = 10;
 
+// Of every table, so that the text grows no more.
+constexpr size_t kRoomForCreateText = 400;
+
 std::wstring CreateText(std::wstring_view prefix, std::wstring_view name,
                         std::span<const Column> columns) {
-    std::wstring text = L"CREATE TABLE IF NOT EXISTS " + TableName(prefix, name) + L" (";
+    std::wstring text;
+    text.reserve(kRoomForCreateText);
+    text.append(L"CREATE TABLE IF NOT EXISTS ").append(TableName(prefix, name)).append(L" (");
     for (size_t index = 0; index < columns.size(); ++index) {
         if (index > 0) text += L',';
         if (index == kColumnAfterBlank) text += L' ';

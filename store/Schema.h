@@ -20,8 +20,8 @@ inline constexpr wchar_t kReplayTable[] = L"ActionReplay";
 inline constexpr wchar_t kRecordIdTable[] = L"ActionRecordId";
 
 struct Column {
-    const wchar_t* name;
-    const wchar_t* sqlType;
+    std::wstring_view name;
+    std::wstring_view sqlType;
 };
 
 // The columns of an action table, in their order. PreLoggedTime is an INTEGER although the two

@@ -70,11 +70,9 @@ void SqliteApi::LookUpAll() noexcept {
     LookUp(m_entries.shutdown, "sqlite3_shutdown");
 }
 
-int SqliteApi::Prepare(sqlite3* database, const std::wstring& text,
-                       sqlite3_stmt** statement) const {
+int SqliteApi::Prepare(sqlite3* database, CSqlText text, sqlite3_stmt** statement) const {
     if (!m_entries.prepare16V2) return kSqliteError;
-    const size_t bytesWithTerminator = (text.size() + 1) * sizeof(wchar_t);
-    return m_entries.prepare16V2(database, text.c_str(), static_cast<int>(bytesWithTerminator),
+    return m_entries.prepare16V2(database, text.Get(), static_cast<int>(text.BytesWithTerminator()),
                                  statement, /*tail=*/nullptr);
 }
 

@@ -5,7 +5,7 @@
 
 #include <windows.h>
 
-#include <string>
+#include "store/SqlText.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -35,7 +35,7 @@ public:
 
     // The engine's functions that the component uses. A call of one that is missing gives
     // SQLITE_ERROR, null for a text and 1.0 for a double.
-    int Prepare(sqlite3* database, const std::wstring& text, sqlite3_stmt** statement) const;
+    int Prepare(sqlite3* database, CSqlText text, sqlite3_stmt** statement) const;
     int BindInt64(sqlite3_stmt* statement, int index, INT64 value) const;
     // Null binds SQL NULL. The text must live until the statement is finalized.
     int BindText(sqlite3_stmt* statement, int index, const wchar_t* text) const;

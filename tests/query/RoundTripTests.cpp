@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t kSeed = 20240607;
 #ifdef _GLIBCXX_ASSERTIONS
-constexpr int kActions = 2000; // the checked build takes several times as long for each
+constexpr int kActions = 1000; // the checked build takes several times as long for each
 #else
 constexpr int kActions = 10000;
 #endif

@@ -99,7 +99,7 @@ TEST(LinkedItemEnd, ComesWithAnEmptyName) {
         EXPECT_EQ(Ok(kBothTexts), Build(LinkedAction(item), kLinkedLogKind));
         LinkedItemValues gathered;
         EXPECT_EQ(E_INVALIDARG, Gather(item, gathered));
-        EXPECT_EQ((std::vector<std::wstring>{L"a", L"b"}), gathered.texts);
+        EXPECT_EQ((std::vector<std::wstring_view>{L"a", L"b"}), gathered.texts);
         EXPECT_TRUE(gathered.ids.empty());
     }
 }
@@ -120,7 +120,7 @@ TEST(LinkedItemEnd, KeepsTheIdsOfListsThatDoNotMatch) {
     LinkedItemValues gathered;
     EXPECT_EQ(E_INVALIDARG, Gather(item, gathered));
     EXPECT_EQ((std::vector<ULONGLONG>{1, 2}), gathered.ids);
-    EXPECT_EQ((std::vector<std::wstring>{L"a", L"b"}), gathered.texts);
+    EXPECT_EQ((std::vector<std::wstring_view>{L"a", L"b"}), gathered.texts);
 }
 
 TEST(LinkedItemEnd, IsThereFromTheStartWithoutAnItem) {

@@ -51,9 +51,8 @@ TEST_F(RecordWriter, StoresEachValueWithItsType) {
     EXPECT_EQ(S_OK, Write(Action(5, L"playItem").I4(kKeyIntValues, 1)));
     std::string sql = "SELECT ";
     for (const Column& column : kActionColumns) {
-        const std::wstring name = column.name;
         sql += (column.name == kActionColumns[0].name ? "typeof(" : ", typeof(") +
-               std::string(name.begin(), name.end()) + ")";
+               std::string(column.name.begin(), column.name.end()) + ")";
     }
     const std::vector<Row> expected = {{"integer", "integer", "integer", "null", "integer", "text",
                                         "text", "real", "real", "null", "null", "integer",
