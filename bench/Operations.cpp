@@ -107,12 +107,12 @@ void COperations::AddRecording(UINT32 size) {
         work.WriteReplay(record);
     };
     AddNotify("Notify", size, kLogKind, MakeAction(L"playItem"), writeBoth);
-    AddNotify("Notify of a delete action", size, kLogKind, MakeAction(L"deleteItem"),
+    AddNotify("Notify, delete action", size, kLogKind, MakeAction(L"deleteItem"),
               [=](const CFloor& work, const FloorRecord& record) {
                   work.WriteKept(record);
                   writeBoth(work, record);
               });
-    AddNotify("Notify with a linked item", size, kLogKindWithAdditions,
+    AddNotify("Notify, linked item", size, kLogKindWithAdditions,
               MakeActionWithLinkedItem(L"playItem", kLinkedEntries), writeBoth);
 }
 

@@ -4,31 +4,28 @@ import sys
 
 import bench_figures
 
-# What a call is for, by the start of its name, in this order.
-KINDS = [
-    ("engine", ("sqlite3_",)),
-    ("shell", ("SHGet",)),
-    ("rights", ("GetNamedSecurityInfo", "SetNamedSecurityInfo", "AllocateAndInitializeSid", "FreeSid",
-                "EqualSid", "IsValidSid", "GetLengthSid", "GetSidLengthRequired", "GetAce", "GetAcl",
-                "OpenProcessToken", "GetTokenInformation", "ConvertSid")),
-    ("locks", ("CreateMutex", "WaitForSingleObject", "ReleaseMutex")),
-    ("files", ("CreateFile", "ReadFile", "WriteFile", "SetFilePointer", "SetEndOfFile", "GetFile",
-               "LockFile", "UnlockFile", "FlushFile", "DeleteFile", "GetFullPathName", "MoveFile",
-               "CreateDirectory", "CloseHandle")),
-    ("registry", ("Reg",)),
-    ("containers", ("CoCreateInstance",)),
-    ("values", ("Variant", "SafeArray", "Sys")),
-    ("memory", ("malloc", "calloc", "realloc")),
-]
+# What a call is for, by the start of its name.
+KINDS = {
+    "SQL": ("sqlite3_",),
+    "folder": ("SHGet", "GetNamedSecurityInfo", "SetNamedSecurityInfo", "AllocateAndInitializeSid",
+               "FreeSid", "EqualSid", "IsValidSid", "GetLengthSid", "GetSidLengthRequired", "GetAce",
+               "GetAcl", "GetFileAttributes", "CreateDirectory"),
+    "locks": ("CreateMutex", "WaitForSingleObject", "ReleaseMutex"),
+    "files": ("CreateFile", "ReadFile", "WriteFile", "SetFilePointer", "SetEndOfFile", "GetFileSize",
+              "LockFile", "UnlockFile", "FlushFile", "DeleteFile", "GetFullPathName", "MoveFile",
+              "CloseHandle"),
+    "made": ("CoCreateInstance",),
+    "values": ("Variant", "SafeArray", "Sys"),
+    "heap": ("malloc", "calloc", "realloc"),
+    "registry": ("Reg",),
+}
 
 # The most calls of a kind that an operation needs. More of them would be work that nobody asked for.
 MOST_CALLS = {
-    "next id": {"engine": 0, "shell": 3, "rights": 38, "locks": 2, "files": 11, "containers": 1},
-    "Notify": {"engine": 80, "shell": 6, "rights": 38, "locks": 4, "files": 2, "containers": 0},
-    "records by 1 id": {"engine": 22, "shell": 3, "rights": 19, "locks": 2, "files": 1,
-                        "containers": 1},
-    "deletion by id": {"engine": 16, "shell": 3, "rights": 19, "locks": 2, "files": 1,
-                       "containers": 0},
+    "next id": {"SQL": 0, "folder": 43, "locks": 2, "files": 9, "made": 1},
+    "Notify": {"SQL": 80, "folder": 46, "locks": 4, "files": 0, "made": 0},
+    "records by 1 id": {"SQL": 22, "folder": 23, "locks": 2, "files": 0, "made": 1},
+    "deletion by id": {"SQL": 16, "folder": 23, "locks": 2, "files": 0, "made": 0},
 }
 
 
@@ -51,13 +48,9 @@ def spread(ratio):
 
 
 def count_kinds(counts):
-    kinds = dict.fromkeys((kind for kind, _ in KINDS), 0)
-    for name, calls in (counts or {}).items():
-        for kind, starts in KINDS:
-            if name.startswith(starts):
-                kinds[kind] += calls
-                break
-    return kinds
+    """How many of the calls are of each kind; those that are of none are left out."""
+    return {kind: sum(calls for name, calls in (counts or {}).items() if name.startswith(starts))
+            for kind, starts in KINDS.items()}
 
 
 def limits_table(figures):
@@ -66,19 +59,33 @@ def limits_table(figures):
     return table(["Figure", "Ratio", "Bare", "Limit", "Held"], rows)
 
 
-def operations_table(figures):
+def around(figures, name, records):
+    """The share of the time that goes into the locks and the folder."""
+    if "prepared floor" not in figures.times[name, records]:
+        return "-"
+    median = [figures.median(name, records, variant)
+              for variant in ("floor", "prepared floor", "component")]
+    return f"{max(0, median[1] - median[0]) / median[2]:.0%}"
+
+
+def operations_table(figures, size):
     rows = []
     for name, records in figures.operations():
-        floor, component = (figures.median(name, records, variant)
-                            for variant in ("floor", "component"))
-        times = figures.times[name, records]
-        around = "-"
-        if "prepared floor" in times:
-            around = f"{(figures.median(name, records, 'prepared floor') - floor) / component:.0%}"
-        rows.append([name, f"{records:,}", f"{floor:,.0f}", f"{component:,.0f}",
-                     f"{component / floor:.2f}", around,
+        if records != size:
+            continue
+        rows.append([name, f"{figures.median(name, records, 'floor'):,.0f}",
+                     f"{figures.median(name, records, 'component'):,.0f}",
+                     f"{figures.to_floor(name, records).value:.2f}", around(figures, name, records),
                      spread(figures.to_prepared_floor(name, records))])
-    return table(["Operation", "Records", "Floor", "Comp.", "Bare", "Around", "Ratio"], rows)
+    return table(["Operation", "Floor", "Comp.", "Bare", "Around", "Ratio"], rows)
+
+
+def growth_table(figures, sizes):
+    names = sorted({name for name, records in figures.operations() if records == sizes[-1]})
+    rows = [[name, *(f"{figures.median(name, size, 'component'):,.0f}"
+                     if (name, size) in figures.times else "-" for size in sizes)]
+            for name in names]
+    return table(["Operation", *(f"{size:,}" for size in sizes)], rows)
 
 
 def costs_table(figures):
@@ -94,23 +101,22 @@ def hosts_table(figures):
 
 
 def calls_table(figures, whose):
-    kinds = [kind for kind, _ in KINDS
-             if any(count_kinds(counts[whose])[kind] for counts in figures.calls.values())]
-    rows = [[name, *(str(count_kinds(counts[whose])[kind]) for kind in kinds)]
-            for name, counts in figures.calls.items()]
+    counted = {name: count_kinds(counts[whose]) for name, counts in figures.calls.items()}
+    kinds = [kind for kind in KINDS if any(counts[kind] for counts in counted.values())]
+    rows = [[name, *(str(counts[kind]) for kind in kinds)] for name, counts in counted.items()]
     return table(["Operation", *kinds], rows)
 
 
 def report(figures):
-    parts = [("Figures that have a limit", limits_table(figures)),
-             ("Operations, in µs", operations_table(figures)),
-             ("What the locks and the folder cost, and a pass through memory that is there",
-              costs_table(figures))]
-    if figures.hosts:
-        parts.append(("Several hosts", hosts_table(figures)))
-    if figures.calls:
-        parts.append(("Calls of the component", calls_table(figures, "component")))
-        parts.append(("Calls of the engine, from there", calls_table(figures, "engine")))
+    sizes = sorted({records for _, records in figures.operations() if records})
+    parts = [("Figures that have a limit", limits_table(figures))]
+    parts += [(f"Operations at {size:,} records, in µs" if size else "Text, in µs",
+               operations_table(figures, size)) for size in [*sizes, 0]]
+    parts += [("Growth: the component at so many records, in µs", growth_table(figures, sizes)),
+              ("What single steps cost", costs_table(figures)),
+              ("Several hosts", hosts_table(figures)),
+              ("Calls of the component", calls_table(figures, "component")),
+              ("Calls of the engine, from there", calls_table(figures, "engine"))]
     for title, text in parts:
         print(f"{title}\n\n{text}")
 
@@ -121,7 +127,7 @@ def superfluous_calls(figures):
     for name, most in MOST_CALLS.items():
         counted = count_kinds(figures.calls[name]["component"])
         lines += [f"{name}: {counted[kind]} calls for {kind}, at most {limit}"
-                  for kind, limit in {**most, "registry": 0}.items() if counted[kind] > limit]
+                  for kind, limit in {"registry": 0, **most}.items() if counted[kind] > limit]
     return lines
 
 
