@@ -39,7 +39,7 @@ bool IsReserved(unsigned code) noexcept {
 }
 
 // Writes what stands for the character and returns where that ends. What lies behind, up to the
-// size of an entry, is written over: so there is nothing to decide for each character.
+// size of an entry, is written over: so it need not be asked whether the character is reserved.
 wchar_t* PutEncoded(wchar_t* place, wchar_t character) noexcept {
     if (character >= kEncoded.size()) {
         *place = character;

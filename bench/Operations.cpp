@@ -44,9 +44,9 @@ CComPtr<CTslParamContainer> OfOne(UINT64 recordId) {
     return arguments;
 }
 
-// About as many calls as take the same time at each size, for what reads the whole table.
-int CallsThatRead(UINT32 size) {
-    return size >= 100'000 ? 1 : 10;
+// For what reads the whole table, or makes very many containers: fewer where one takes long.
+int CallsThatRead(UINT32 size, UINT32 containers = 0) {
+    return size >= 100'000 || containers >= 1'000 ? 1 : 10;
 }
 
 constexpr int kCallsThatWrite = 10;
@@ -68,8 +68,8 @@ void COperations::AddNotify(std::string name, UINT32 size, UINT32 logKind,
     const auto actionName = std::make_shared<CVariant>();
     Require(action->GetValue(kKeyActionName, actionName->Address()));
     const auto parameters = std::make_shared<std::wstring>();
-    const auto notify = [this, action] {
-        SetRecordId(*action, m_stores.NewId());
+    const auto notify = [this, action](UINT32 recordId) {
+        SetRecordId(*action, recordId);
         Require(m_host.Plugin().Notify(kCommandRecordAction, action.Get()));
     };
     m_operations.push_back(
@@ -82,11 +82,10 @@ void COperations::AddNotify(std::string name, UINT32 size, UINT32 logKind,
                  if (!parameters->empty()) return;
                  // The floor writes the very text that the component writes.
                  const UINT32 id = m_stores.NewId();
-                 SetRecordId(*action, id);
-                 Require(m_host.Plugin().Notify(kCommandRecordAction, action.Get()));
+                 notify(id);
                  *parameters = m_stores.ParametersOf(id);
              },
-         .component = notify,
+         .component = [=, this] { notify(m_stores.NewId()); },
          .floor =
              [=, this](const CFloor& work) {
                  floor(work, {m_stores.NewId(), actionName->Get().bstrVal, parameters->c_str()});
@@ -129,10 +128,10 @@ void COperations::AddQueries(UINT32 size) {
              .floor = std::move(floor)});
     };
     const UINT32 first = size - kIdsAskedFor + 1;
-    add("ids by time", CallsThatRead(size), kCommandQueryIds,
-        OfTimes(TimeOf(first) - kHalfMinute, TimeOf(size) + kHalfMinute), [=](const CFloor& work) {
-            work.IdsByTime(TimeOf(first) - kHalfMinute, TimeOf(size) + kHalfMinute);
-        });
+    const DATE start = TimeOf(first) - kHalfMinute;
+    const DATE end = TimeOf(size) + kHalfMinute;
+    add("ids by time", CallsThatRead(size), kCommandQueryIds, OfTimes(start, end),
+        [=](const CFloor& work) { work.IdsByTime(start, end); });
     add("ids by id range", CallsThatRead(size), kCommandQueryIds, OfIds(first, size),
         [=](const CFloor& work) { work.IdsByRange(first, size); });
     add("all ids", 10, kCommandQueryAllIds, OfUser(), [](const CFloor& work) { work.AllIds(); });
@@ -143,7 +142,7 @@ void COperations::AddQueries(UINT32 size) {
         const CComPtr<CTslParamContainer> arguments = CTslParamContainer::Create();
         SetValue(*arguments, kKeyRecordIds, MakeArray<ULONG>(ids));
         add("records by " + std::to_string(count) + (count == 1 ? " id" : " ids"),
-            CallsThatRead(size * (count > 100 ? 100 : 1)), kCommandQueryRecords, arguments,
+            CallsThatRead(size, count), kCommandQueryRecords, arguments,
             [=](const CFloor& work) { work.Records(ids); });
     }
     m_operations.push_back(

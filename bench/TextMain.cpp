@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t kStrings = 10'000;
 
-// Strings as hosts send them: some words, one character in eight to be encoded.
+// Strings as hosts send them: some words, one character in six to be encoded.
 std::vector<std::wstring> MakeStrings() {
     std::vector<std::wstring> strings;
     for (size_t index = 0; index < kStrings; ++index)

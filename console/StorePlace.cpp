@@ -15,7 +15,7 @@ std::wstring StoreFile(const wchar_t* name) {
     wchar_t folder[MAX_PATH] = L"";
     SHGetFolderPathW(/*owner=*/nullptr, CSIDL_COMMON_APPDATA, /*token=*/nullptr, SHGFP_TYPE_CURRENT,
                      folder);
-    return std::wstring(folder) + L"\\Corvane Corporation\\Tessaly\\TslIfDbActionLog\\" + name;
+    return std::wstring(folder) + kStoreFolders + name;
 }
 
 } // namespace

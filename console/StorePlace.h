@@ -6,6 +6,9 @@
 
 namespace tsl {
 
+// Below the machine's folder of application data, between two backslashes.
+inline constexpr wchar_t kStoreFolders[] = L"\\Corvane Corporation\\Tessaly\\TslIfDbActionLog\\";
+
 // Folder of the running program, with a trailing backslash.
 std::wstring ProgramFolder();
 

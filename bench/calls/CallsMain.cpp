@@ -1,7 +1,7 @@
 // call_counts: calls each operation of the component once and tells, as JSON, which functions the
 // component called meanwhile, which of them of the engine, and which the engine called itself.
-#include <algorithm>
 #include <iostream>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 

@@ -52,6 +52,8 @@ private:
     CPreparedWork Prepare(Lock lock) const { return CPreparedWork(m_preparation, lock); }
     void Write(const FloorTable& table, const FloorRecord& record) const;
     UINT32 ReadCounter() const;
+    template <class Bound>
+    void DeleteRange(const wchar_t* column, Bound first, Bound last) const;
 
     const CEngine& m_engine;
     const CPreparation* m_preparation;

@@ -2,22 +2,15 @@
 
 #include <windows.h>
 
-#include "base/Handle.h"
 #include "base/Hresult.h"
+#include "bench/floor/Preparation.h"
 #include "console/StorePlace.h"
+#include "tests/engine_faults/StandInState.h"
 
 namespace tsl::bench {
 
 namespace {
 
-constexpr const char* kEngineNames[] = {
-    "sqlite3_exec",          "sqlite3_free",        "sqlite3_prepare",      "sqlite3_prepare16_v2",
-    "sqlite3_reset",         "sqlite3_bind_int",    "sqlite3_bind_int64",   "sqlite3_bind_text",
-    "sqlite3_bind_text16",   "sqlite3_bind_double", "sqlite3_step",         "sqlite3_finalize",
-    "sqlite3_mprintf",       "sqlite3_get_table",   "sqlite3_free_table",   "sqlite3_open",
-    "sqlite3_close",         "sqlite3_column_int",  "sqlite3_column_int64", "sqlite3_column_text16",
-    "sqlite3_column_double", "sqlite3_initialize",  "sqlite3_shutdown",
-};
 constexpr int kEngineManifest = 205;
 
 HMODULE LoadEngine() {
@@ -40,12 +33,10 @@ HMODULE LoadEngine() {
 } // namespace
 
 void CreateAndReleaseObject() {
-    const CHandle sqliteAccess(
-        CreateMutexW(nullptr, FALSE, L"Global\\TslIfDbActionLog_SQLiteAccess"));
-    const CHandle logId(CreateMutexW(nullptr, FALSE, L"Global\\TslIfDbActionLog_LogId"));
+    const CPreparation locks;
     const HMODULE engine = LoadEngine();
-    bool whole = engine && sqliteAccess && logId;
-    for (const char* const name : kEngineNames)
+    bool whole = engine && locks.SqliteAccessLock() && locks.LogIdLock();
+    for (const char* const name : test::kEntryNames)
         whole = whole && GetProcAddress(engine, name);
     FreeLibrary(engine);
     if (!whole) throw CHresultError(E_FAIL);

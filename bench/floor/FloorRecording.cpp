@@ -3,16 +3,12 @@
 #include <string_view>
 
 #include "bench/support/Actions.h"
+#include "bench/support/Tables.h"
 #include "console/StorePlace.h"
 
 namespace tsl::bench {
 
 namespace {
-
-constexpr std::wstring_view kColumnTypes =
-    L" (ActionLogId INTEGER,UsedLog INTEGER,AppId INTEGER,AppName TEXT,UserId INTEGER,ActionName "
-    L"TEXT,ActionParameters TEXT,AppLoggedTime REAL,PluginLoggedTime REAL,PreActionName TEXT, "
-    L"PreActionParameters TEXT,PreLoggedTime INTEGER,LogKind INTEGER)";
 
 constexpr std::wstring_view kReplaceColumns =
     L" (ActionLogId,UsedLog,AppId,AppName,UserId,ActionName,ActionParameters,AppLoggedTime,"
@@ -20,17 +16,16 @@ constexpr std::wstring_view kReplaceColumns =
     L"VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)";
 
 FloorTable Table(const std::wstring& path, const wchar_t* name) {
-    return {std::string(path.begin(), path.end()),
-            L"CREATE TABLE IF NOT EXISTS " + std::wstring(name).append(kColumnTypes), name};
+    return {std::string(path.begin(), path.end()), CreateText(name), name};
 }
 
 } // namespace
 
 CFloor::CFloor(const CEngine& engine, const CPreparation* preparation)
     : m_engine(engine), m_preparation(preparation),
-      m_actionLog(Table(ActionLogPath(), L"TslIf_DbActionLog")),
-      m_kept(Table(ActionLogPath(), L"TslIf_ContentDeleteProperty")),
-      m_replay(Table(ReplayLogPath(), L"TslIf_ActionReplay")), m_counterPath(CounterFilePath()) {}
+      m_actionLog(Table(ActionLogPath(), kActionLogTable)),
+      m_kept(Table(ActionLogPath(), kKeptTable)), m_replay(Table(ReplayLogPath(), kReplayTable)),
+      m_counterPath(CounterFilePath()) {}
 
 void CFloor::Write(const FloorTable& table, const FloorRecord& record) const {
     const CPreparedWork work = Prepare(kSqliteAccess);

@@ -5,12 +5,12 @@
 
 #include "base/Hresult.h"
 #include "base/LocalMemory.h"
+#include "console/StorePlace.h"
+#include "tests/support/StoreChecks.h"
 
 namespace tsl::bench {
 
 namespace {
-
-constexpr wchar_t kSubFolders[] = L"\\Corvane Corporation\\Tessaly\\TslIfDbActionLog\\";
 
 // Whether an entry of the list allows or denies Everyone anything.
 bool NamesEveryone(PACL list) {
@@ -30,8 +30,8 @@ bool NamesEveryone(PACL list) {
 } // namespace
 
 CPreparation::CPreparation()
-    : m_sqliteAccessLock(CreateMutexW(nullptr, FALSE, L"Global\\TslIfDbActionLog_SQLiteAccess")),
-      m_logIdLock(CreateMutexW(nullptr, FALSE, L"Global\\TslIfDbActionLog_LogId")) {}
+    : m_sqliteAccessLock(CreateMutexW(nullptr, FALSE, test::kSqliteAccessLock)),
+      m_logIdLock(CreateMutexW(nullptr, FALSE, test::kLogIdLock)) {}
 
 std::wstring CPreparation::FindFolder() const {
     LPITEMIDLIST items = nullptr;
@@ -39,7 +39,7 @@ std::wstring CPreparation::FindFolder() const {
     SHGetSpecialFolderLocation(/*owner=*/nullptr, CSIDL_COMMON_APPDATA, &items);
     SHGetPathFromIDListW(items, folder);
     CoTaskMemFree(items);
-    return std::wstring(folder) + kSubFolders;
+    return std::wstring(folder) + kStoreFolders;
 }
 
 void CPreparation::LookForFolder(const std::wstring& folder) const {

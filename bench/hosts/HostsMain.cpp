@@ -3,7 +3,8 @@
 // waiting for a lock.
 #include <algorithm>
 #include <iostream>
-#include <numeric>
+#include <string>
+#include <string_view>
 
 #include <nlohmann/json.hpp>
 

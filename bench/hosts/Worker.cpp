@@ -85,7 +85,7 @@ CWorkerProcess::CWorkerProcess(int number, int actions)
         throw std::runtime_error("cannot start a host process");
     }
     m_process = CHandle(made.hProcess);
-    CloseHandle(made.hThread);
+    const CHandle thread(made.hThread);
 }
 
 void CWorkerProcess::WaitUntilReady() const {

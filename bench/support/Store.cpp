@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "bench/support/Tables.h"
 #include "console/StorePlace.h"
 
 namespace tsl::bench {
@@ -13,16 +14,6 @@ namespace tsl::bench {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr wchar_t kActionLog[] = L"TslIf_DbActionLog";
-constexpr wchar_t kKept[] = L"TslIf_ContentDeleteProperty";
-constexpr wchar_t kReplay[] = L"TslIf_ActionReplay";
-
-// As the component writes it: the text is stored with the table.
-constexpr wchar_t kColumns[] =
-    L" (ActionLogId INTEGER,UsedLog INTEGER,AppId INTEGER,AppName TEXT,UserId INTEGER,ActionName "
-    L"TEXT,ActionParameters TEXT,AppLoggedTime REAL,PluginLoggedTime REAL,PreActionName TEXT, "
-    L"PreActionParameters TEXT,PreLoggedTime INTEGER,LogKind INTEGER)";
 
 constexpr wchar_t kParameters[] =
     L"'ullValues={4711,815}&usValues={7,12}&intValues={-1,2,30}&boolValues={1}&stringValues={A%20"
@@ -86,12 +77,12 @@ void CStores::Make(UINT32 size) const {
     const auto make = [this](const fs::path& file, const std::wstring& table, UINT32 first,
                              UINT32 last) {
         Run(file, L"PRAGMA page_size = 2048");
-        Run(file, L"CREATE TABLE IF NOT EXISTS " + table + kColumns);
+        Run(file, CreateText(table));
         Run(file, InsertText(table, first, last));
     };
-    make(ActionLogPath(), kActionLog, 1, size);
-    make(ActionLogPath(), kKept, 1, kKeptRecords);
-    make(ReplayLogPath(), kReplay, size - kReplayedRecords + 1, size);
+    make(ActionLogPath(), kActionLogTable, 1, size);
+    make(ActionLogPath(), kKeptTable, 1, kKeptRecords);
+    make(ReplayLogPath(), kReplayTable, size - kReplayedRecords + 1, size);
     // The highest id of each file, as the component leaves it there.
     for (const fs::path file : {ActionLogPath(), ReplayLogPath()})
         Run(file, L"PRAGMA user_version = " + std::to_wstring(size));
@@ -102,9 +93,9 @@ void CStores::Restore() {
     const auto keep = [this](const fs::path& file, const std::wstring& table, UINT32 rows) {
         Run(file, L"DELETE FROM " + table + L" WHERE rowid > " + std::to_wstring(rows));
     };
-    keep(ActionLogPath(), kActionLog, m_size);
-    keep(ReplayLogPath(), kReplay, kReplayedRecords);
-    keep(ActionLogPath(), kKept, kKeptRecords);
+    keep(ActionLogPath(), kActionLogTable, m_size);
+    keep(ReplayLogPath(), kReplayTable, kReplayedRecords);
+    keep(ActionLogPath(), kKeptTable, kKeptRecords);
 }
 
 UINT32 CStores::Add(const wchar_t* table, int count) {
@@ -115,11 +106,11 @@ UINT32 CStores::Add(const wchar_t* table, int count) {
 }
 
 UINT32 CStores::AddRecords(int count) {
-    return Add(kActionLog, count);
+    return Add(kActionLogTable, count);
 }
 
 UINT32 CStores::AddKeptRecords(int count) {
-    return Add(kKept, count);
+    return Add(kKeptTable, count);
 }
 
 std::wstring CStores::ParametersOf(UINT32 recordId) const {

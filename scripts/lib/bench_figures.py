@@ -11,7 +11,7 @@ Limit = collections.namedtuple("Limit", "name ratio bare limit")
 
 
 def read(path):
-    return json.loads(path.read_text()) if path.exists() else None
+    return json.loads(path.read_text())
 
 
 def ratio(above, below, draws=400):
@@ -30,7 +30,7 @@ class Figures:
         # Microseconds of each repetition, by name, records and variant.
         self.times = collections.defaultdict(lambda: collections.defaultdict(list))
         for program in ("operations", "text"):
-            for run in (read(folder / f"{program}.json") or {"benchmarks": []})["benchmarks"]:
+            for run in read(folder / f"{program}.json")["benchmarks"]:
                 if run["run_type"] != "iteration":
                     continue
                 if run.get("error_occurred"):
@@ -61,21 +61,19 @@ class Figures:
         return ratio(times["component"], times.get("prepared floor", times["floor"]))
 
     def limits(self):
-        """Each figure that has a limit, as far as it was measured: with the locks and the folder in the
-        floor, and without."""
+        """Each figure that has a limit: with the locks and the folder in the floor, and without. All of
+        them must have been measured."""
         wanted = [("Notify", 1_000, 1.15), ("next id", 1_000, 1.30),
                   ("records by 10000 ids", 100_000, 1.15), ("ids by time", 100_000, 1.15),
                   ("ids by id range", 100_000, 1.15), ("text of 10000 strings", 0, 8.0)]
         limits = [
             Limit(name + (f", {records:,} records" if records else ""),
                   self.to_prepared_floor(name, records), self.to_floor(name, records), limit)
-            for name, records, limit in wanted if (name, records) in self.times]
-        few, many = self.times.get(("Notify", 1_000)), self.times.get(("Notify", 500_000))
-        if few and many:
-            growth = ratio(many["component"], few["component"])
-            limits.append(Limit("Notify, 500,000 records to 1,000", growth, growth, 1.15))
-        if self.memory:
-            share = self.memory["most_bytes"] / self.memory["answer_bytes"]
-            most = Ratio(share, share, share)
-            limits.append(Limit("memory for 10,000 records, to the answer", most, most, 1.5))
+            for name, records, limit in wanted]
+        growth = ratio(self.times["Notify", 500_000]["component"],
+                       self.times["Notify", 1_000]["component"])
+        limits.append(Limit("Notify, 500,000 records to 1,000", growth, growth, 1.15))
+        share = self.memory["most_bytes"] / self.memory["answer_bytes"]
+        most = Ratio(share, share, share)
+        limits.append(Limit("memory for 10,000 records, to the answer", most, most, 1.5))
         return limits

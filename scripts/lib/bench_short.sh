@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The short form of the benchmarks, as a test: bench_short.sh FOLDER. Fails when a figure is above twice
-# its limit, or an operation makes more calls than it needs. In a Wine prefix of its own.
+# its limit, or an operation makes other calls than it needs. In a Wine prefix of its own.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 source "$root/scripts/lib/wine.sh"
 source "$root/scripts/lib/bench.sh"
