@@ -2,10 +2,7 @@
 
 namespace tsl {
 
-namespace {
-
-// Without any access list, so that services and every logged-on user share the mutex.
-HANDLE CreateSharedMutex(const wchar_t* name) noexcept {
+CHandle OpenSharedMutex(const wchar_t* name) noexcept {
     SECURITY_DESCRIPTOR descriptor;
     InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION);
     SetSecurityDescriptorDacl(&descriptor, /*daclPresent=*/TRUE, /*dacl=*/nullptr,
@@ -14,12 +11,10 @@ HANDLE CreateSharedMutex(const wchar_t* name) noexcept {
     attributes.nLength = 1; // the length that all versions hand in; the system does not read it
     attributes.lpSecurityDescriptor = &descriptor;
     attributes.bInheritHandle = FALSE;
-    return CreateMutexW(&attributes, /*initialOwner=*/FALSE, name);
+    return CHandle(CreateMutexW(&attributes, /*initialOwner=*/FALSE, name));
 }
 
-} // namespace
-
-CNamedMutex::CNamedMutex(const wchar_t* name) noexcept : m_handle(CreateSharedMutex(name)) {}
+CNamedMutex::CNamedMutex(const wchar_t* name) noexcept : m_handle(OpenSharedMutex(name)) {}
 
 void CNamedMutex::Acquire(DWORD timeoutMilliseconds) noexcept {
     if (m_held || !m_handle) return;

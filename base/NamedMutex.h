@@ -31,6 +31,10 @@ private:
     bool m_held = false;
 };
 
+// Creates or opens a mutex without any access list, so that services and every logged-on user share
+// it. No handle when that fails.
+CHandle OpenSharedMutex(const wchar_t* name) noexcept;
+
 // Takes a mutex for its own lifetime. Whatever released the mutex meanwhile, nothing is released
 // twice.
 class CMutexGuard {

@@ -11,11 +11,11 @@ namespace tsl {
 
 namespace {
 
-std::wstring StoreFile(const wchar_t* name) {
+std::wstring MachineFolder(const wchar_t* below) {
     wchar_t folder[MAX_PATH] = L"";
     SHGetFolderPathW(/*owner=*/nullptr, CSIDL_COMMON_APPDATA, /*token=*/nullptr, SHGFP_TYPE_CURRENT,
                      folder);
-    return std::wstring(folder) + kStoreFolders + name;
+    return std::wstring(folder) + below;
 }
 
 } // namespace
@@ -31,14 +31,24 @@ std::wstring FullPath(const std::wstring& path) {
     return std::filesystem::absolute(path).wstring();
 }
 
+std::wstring StoreFolderPath() {
+    return MachineFolder(kStoreFolders);
+}
+std::wstring UserIdFolderPath() {
+    return MachineFolder(L"\\Corvane Corporation\\Tessaly\\UID\\");
+}
+
 std::wstring CounterFilePath() {
-    return StoreFile(L"actionLog.txt");
+    return StoreFolderPath() + L"actionLog.txt";
 }
 std::wstring ActionLogPath() {
-    return StoreFile(L"ualog.db");
+    return StoreFolderPath() + L"ualog.db";
 }
 std::wstring ReplayLogPath() {
-    return StoreFile(L"uareplay.db");
+    return StoreFolderPath() + L"uareplay.db";
+}
+std::wstring UserIdListPath() {
+    return UserIdFolderPath() + L"UserIdList.dat";
 }
 
 } // namespace tsl

@@ -15,8 +15,14 @@ std::wstring ProgramFolder();
 // The path made absolute.
 std::wstring FullPath(const std::wstring& path);
 
+// The folder of the databases and the counter file, and that of the user id list, with a trailing
+// backslash. Neither is created.
+std::wstring StoreFolderPath();
+std::wstring UserIdFolderPath();
+
 std::wstring CounterFilePath();
 std::wstring ActionLogPath();
 std::wstring ReplayLogPath();
+std::wstring UserIdListPath();
 
 } // namespace tsl

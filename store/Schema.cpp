@@ -47,6 +47,10 @@ std::wstring TableName(std::wstring_view prefix, std::wstring_view name) {
     return table.append(L"_").append(name);
 }
 
+std::wstring CreateActionTableText(std::wstring_view prefix, std::wstring_view name) {
+    return CreateText(prefix, name, kActionColumns);
+}
+
 HRESULT CreateActionTable(const SqliteApi* engine, const CDatabase& database,
                           std::wstring_view prefix, std::wstring_view name) {
     return CreateTable(engine, database, prefix, name, kActionColumns, E_INVALIDARG);

@@ -68,6 +68,9 @@ enum class TableShape { Action, RecordId };
 // "prefix_name", the name of a table in the file.
 std::wstring TableName(std::wstring_view prefix, std::wstring_view name);
 
+// The statement that creates an action table where it is missing.
+std::wstring CreateActionTableText(std::wstring_view prefix, std::wstring_view name);
+
 // Creates the table where it is missing. S_OK, or the mapped failure of the engine. Faulty
 // arguments (no engine, no connection, an empty prefix or name) give E_INVALIDARG for an action
 // table and E_POINTER for a record-id table.

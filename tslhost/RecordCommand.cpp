@@ -2,12 +2,12 @@
 #include <memory>
 #include <type_traits>
 
-#include "console/Commands.h"
 #include "console/HostSession.h"
 #include "console/IsoTime.h"
 #include "console/Numbers.h"
-#include "console/RecordIdOutput.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
+#include "tslhost/RecordIdOutput.h"
 
 namespace tsl {
 

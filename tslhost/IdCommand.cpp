@@ -1,8 +1,8 @@
 // tslhost id
-#include "console/Commands.h"
 #include "console/HostSession.h"
 #include "console/Output.h"
-#include "console/RecordIdOutput.h"
+#include "tslhost/Commands.h"
+#include "tslhost/RecordIdOutput.h"
 
 namespace tsl {
 

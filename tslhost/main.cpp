@@ -6,9 +6,9 @@
 
 #include "base/Hresult.h"
 #include "base/LocalMemory.h"
-#include "console/Commands.h"
 #include "console/Output.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

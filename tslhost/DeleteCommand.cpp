@@ -3,12 +3,12 @@
 #include <memory>
 
 #include "component/host/ParamKeys.h"
-#include "console/Commands.h"
 #include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
 #include "files/UserIdList.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

@@ -6,13 +6,13 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "console/Commands.h"
 #include "console/ContentStore.h"
 #include "console/HostSession.h"
 #include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/Table.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

@@ -4,10 +4,10 @@
 #include <nlohmann/json.hpp>
 
 #include "console/ComInitialization.h"
-#include "console/Commands.h"
 #include "console/Output.h"
 #include "console/RegisteredPlugins.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

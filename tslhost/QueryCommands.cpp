@@ -4,12 +4,12 @@
 
 #include "component/host/CommandCodes.h"
 #include "component/host/ParamKeys.h"
-#include "console/Commands.h"
 #include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

@@ -3,11 +3,11 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "console/Commands.h"
 #include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

@@ -7,11 +7,11 @@
 #include <nlohmann/json.hpp>
 
 #include "console/ActionJson.h"
-#include "console/Commands.h"
 #include "console/HostSession.h"
 #include "console/Output.h"
 #include "console/StorePlace.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

@@ -1,10 +1,10 @@
 // tslhost whoami
 #include <nlohmann/json.hpp>
 
-#include "console/Commands.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "files/UserIdList.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

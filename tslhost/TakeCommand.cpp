@@ -6,11 +6,11 @@
 #include "component/host/CommandCodes.h"
 #include "component/host/ITslContentPropertySink.h"
 #include "component/host/ParamKeys.h"
-#include "console/Commands.h"
 #include "console/HostSession.h"
 #include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/Text.h"
+#include "tslhost/Commands.h"
 
 namespace tsl {
 

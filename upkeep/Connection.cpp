@@ -1,0 +1,115 @@
+#include "upkeep/Connection.h"
+
+#include <sqlite3.h>
+
+#include "console/Text.h"
+
+namespace tsl {
+
+namespace {
+
+constexpr int kBusyMilliseconds = 3'000;
+
+int OpenFlags(Access access) noexcept {
+    switch (access) {
+    case Access::ReadOnly:
+        return SQLITE_OPEN_READONLY;
+    case Access::ReadWrite:
+        return SQLITE_OPEN_READWRITE;
+    default:
+        return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    }
+}
+
+} // namespace
+
+CSqliteError::CSqliteError(int result, const char* words)
+    : std::runtime_error(std::string(words) + " (" + std::to_string(result & 0xFF) + ")"),
+      m_result(result & 0xFF) {}
+
+CConnection::CConnection(const std::wstring& path, Access access) {
+    const int result = sqlite3_open_v2(ToUtf8(path).c_str(), &m_connection, OpenFlags(access),
+                                       /*vfs=*/nullptr);
+    if (result != SQLITE_OK) {
+        const CSqliteError error(result, sqlite3_errmsg(m_connection));
+        sqlite3_close(m_connection);
+        throw error;
+    }
+    sqlite3_busy_timeout(m_connection, kBusyMilliseconds);
+}
+
+CConnection::~CConnection() {
+    sqlite3_close(m_connection);
+}
+
+void CConnection::Execute(const std::string& statements) const {
+    const int result = sqlite3_exec(m_connection, statements.c_str(), nullptr, nullptr, nullptr);
+    if (result != SQLITE_OK) throw CSqliteError(result, sqlite3_errmsg(m_connection));
+}
+
+INT64 CConnection::Number(const std::string& query) const {
+    CQuery statement(*this, query);
+    return statement.Step() ? statement.Int64(0) : 0;
+}
+
+CQuery::CQuery(const CConnection& connection, const std::string& text) : m_connection(connection) {
+    Require(sqlite3_prepare_v2(connection.Get(), text.c_str(), -1, &m_statement, nullptr));
+}
+
+CQuery::~CQuery() {
+    sqlite3_finalize(m_statement);
+}
+
+void CQuery::Require(int result) const {
+    if (result != SQLITE_OK) throw CSqliteError(result, sqlite3_errmsg(m_connection.Get()));
+}
+
+CQuery& CQuery::Bind(INT64 value) {
+    Require(sqlite3_bind_int64(m_statement, ++m_bound, value));
+    return *this;
+}
+
+CQuery& CQuery::Bind(double value) {
+    Require(sqlite3_bind_double(m_statement, ++m_bound, value));
+    return *this;
+}
+
+CQuery& CQuery::Bind(const std::string& value) {
+    Require(sqlite3_bind_text(m_statement, ++m_bound, value.data(), static_cast<int>(value.size()),
+                              SQLITE_TRANSIENT));
+    return *this;
+}
+
+CQuery& CQuery::BindNull() {
+    Require(sqlite3_bind_null(m_statement, ++m_bound));
+    return *this;
+}
+
+bool CQuery::Step() {
+    const int result = sqlite3_step(m_statement);
+    if (result != SQLITE_ROW && result != SQLITE_DONE) Require(result);
+    return result == SQLITE_ROW;
+}
+
+void CQuery::Reset() {
+    // Tells again what the last step told.
+    sqlite3_reset(m_statement);
+    m_bound = 0;
+}
+
+INT64 CQuery::Int64(int column) const {
+    return sqlite3_column_int64(m_statement, column);
+}
+
+double CQuery::Double(int column) const {
+    return sqlite3_column_double(m_statement, column);
+}
+
+std::optional<std::string> CQuery::Text(int column) const {
+    const auto* const text =
+        reinterpret_cast<const char*>(sqlite3_column_text(m_statement, column));
+    if (!text) return std::nullopt;
+    return std::string(text, static_cast<size_t>(sqlite3_column_bytes(m_statement, column)));
+}
+
+} // namespace tsl

@@ -1,0 +1,82 @@
+// SQLite as the looking-after uses it: an engine of the program's own, so that a store can be
+// looked after where the component's engine is missing. Owners of a connection and a statement,
+// each used by one thread. Every failure is a CSqliteError.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace tsl {
+
+// What the engine answered, with its own words: "database disk image is malformed (11)".
+class CSqliteError : public std::runtime_error {
+public:
+    CSqliteError(int result, const char* words);
+
+    // The primary result code.
+    int Result() const noexcept { return m_result; }
+
+private:
+    int m_result;
+};
+
+enum class Access { ReadOnly, ReadWrite, Create };
+
+class CConnection {
+public:
+    // Waits up to 3 s for others who are in the file, as the component's own locks do.
+    CConnection(const std::wstring& path, Access access);
+    CConnection(const CConnection&) = delete;
+    CConnection& operator=(const CConnection&) = delete;
+    ~CConnection();
+
+    sqlite3* Get() const noexcept { return m_connection; }
+
+    // Runs statements that yield nothing that is looked at.
+    void Execute(const std::string& statements) const;
+
+    // The number that a query yields in its first row.
+    INT64 Number(const std::string& query) const;
+
+private:
+    sqlite3* m_connection = nullptr;
+};
+
+class CQuery {
+public:
+    CQuery(const CConnection& connection, const std::string& text);
+    CQuery(const CQuery&) = delete;
+    CQuery& operator=(const CQuery&) = delete;
+    ~CQuery();
+
+    // Binds the next parameter.
+    CQuery& Bind(INT64 value);
+    CQuery& Bind(double value);
+    CQuery& Bind(const std::string& value);
+    CQuery& BindNull();
+
+    // Whether there is another row.
+    bool Step();
+    // Makes it ready to be bound and stepped anew.
+    void Reset();
+
+    INT64 Int64(int column) const;
+    double Double(int column) const;
+    // UTF-8; nothing for NULL.
+    std::optional<std::string> Text(int column) const;
+
+private:
+    void Require(int result) const;
+
+    const CConnection& m_connection;
+    sqlite3_stmt* m_statement = nullptr;
+    int m_bound = 0;
+};
+
+} // namespace tsl

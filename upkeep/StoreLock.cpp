@@ -1,0 +1,60 @@
+#include "upkeep/StoreLock.h"
+
+#include <string>
+
+#include "base/NamedMutex.h"
+#include "console/Failure.h"
+#include "console/Text.h"
+#include "store/StoreLocks.h"
+
+namespace tsl {
+
+namespace {
+
+LockState StateAfter(DWORD waitResult) noexcept {
+    switch (waitResult) {
+    case WAIT_OBJECT_0:
+        return LockState::Free;
+    case WAIT_ABANDONED:
+        return LockState::Abandoned;
+    case WAIT_TIMEOUT:
+        return LockState::Held;
+    default:
+        return LockState::Unusable;
+    }
+}
+
+void RequireHeld(const CStoreLock& lock, const wchar_t* name) {
+    if (lock.IsHeld()) return;
+    const bool held = lock.State() == LockState::Held;
+    throw CFailure(held ? ExitCode::Locked : ExitCode::Denied,
+                   std::string("cannot lock ") + ToUtf8(name) +
+                       (held ? ": another process has held it for " +
+                                   std::to_string(lock.WaitedMilliseconds()) + " ms"
+                             : ": it can be neither made nor opened"));
+}
+
+} // namespace
+
+CStoreLock::CStoreLock(const wchar_t* name, DWORD timeoutMilliseconds)
+    : m_mutex(OpenSharedMutex(name)) {
+    if (!m_mutex) return;
+    const ULONGLONG start = GetTickCount64();
+    m_state = StateAfter(WaitForSingleObject(m_mutex.Get(), timeoutMilliseconds));
+    m_waited = GetTickCount64() - start;
+}
+
+CStoreLock::~CStoreLock() {
+    if (IsHeld()) ReleaseMutex(m_mutex.Get());
+}
+
+CDatabaseLock::CDatabaseLock()
+    : m_sqliteAccess(kSqliteAccessMutexName, kSqliteAccessTimeoutMilliseconds) {
+    RequireHeld(m_sqliteAccess, kSqliteAccessMutexName);
+}
+
+CStoreLocks::CStoreLocks() : m_logId(kLogIdMutexName, kLogIdTimeoutMilliseconds) {
+    RequireHeld(m_logId, kLogIdMutexName);
+}
+
+} // namespace tsl

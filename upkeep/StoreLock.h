@@ -1,0 +1,59 @@
+// The machine-wide locks, taken by someone who looks after a store: unlike the component's own
+// guard it tells how the lock was found, and gives back one that its owner had abandoned.
+#pragma once
+
+#include <windows.h>
+
+#include "base/Handle.h"
+
+namespace tsl {
+
+enum class LockState {
+    Free,
+    Held,      // by another process for the whole wait
+    Abandoned, // its owner ended without giving it back
+    Unusable,  // it can be neither made nor opened
+};
+
+// Holds the lock for its own lifetime where it could be had. Used by one thread.
+class CStoreLock {
+public:
+    CStoreLock(const wchar_t* name, DWORD timeoutMilliseconds);
+    CStoreLock(const CStoreLock&) = delete;
+    CStoreLock& operator=(const CStoreLock&) = delete;
+    ~CStoreLock();
+
+    LockState State() const noexcept { return m_state; }
+    bool IsHeld() const noexcept {
+        return m_state == LockState::Free || m_state == LockState::Abandoned;
+    }
+    ULONGLONG WaitedMilliseconds() const noexcept { return m_waited; }
+
+private:
+    CHandle m_mutex;
+    LockState m_state = LockState::Unusable;
+    ULONGLONG m_waited = 0;
+};
+
+// The lock of the databases alone: for whoever only reads or writes records. Waits as long as the
+// component does, then throws CFailure (Locked).
+class CDatabaseLock {
+public:
+    CDatabaseLock();
+
+private:
+    CStoreLock m_sqliteAccess;
+};
+
+// Both locks of the store in their order: no host reads, writes or takes an id meanwhile. Throws as
+// above.
+class CStoreLocks {
+public:
+    CStoreLocks();
+
+private:
+    CDatabaseLock m_databases;
+    CStoreLock m_logId;
+};
+
+} // namespace tsl
