@@ -51,6 +51,13 @@ int CallsThatRead(UINT32 size, UINT32 containers = 0) {
 
 constexpr int kCallsThatWrite = 10;
 
+// An answer without its records would be a fast one.
+void RequireAnswers(CVariant answer, size_t count) {
+    CValueView<IUnknown*> view;
+    Require(view.Open(*answer.Address()));
+    if (view.Values().size() != count) throw CHresultError(E_FAIL);
+}
+
 } // namespace
 
 COperations::COperations() {
@@ -59,11 +66,12 @@ COperations::COperations() {
         AddQueries(size);
         AddDeletions(size);
     }
+    AddHundredthNotify();
     AddObject();
 }
 
 void COperations::AddNotify(std::string name, UINT32 size, UINT32 logKind,
-                            CComPtr<CTslParamContainer> action,
+                            CComPtr<CTslParamContainer> action, StoreCounts change,
                             std::function<void(const CFloor&, const FloorRecord&)> floor) {
     const auto actionName = std::make_shared<CVariant>();
     Require(action->GetValue(kKeyActionName, actionName->Address()));
@@ -76,6 +84,7 @@ void COperations::AddNotify(std::string name, UINT32 size, UINT32 logKind,
         {.name = std::move(name),
          .size = size,
          .calls = kCallsThatWrite,
+         .change = change,
          .prepare =
              [=, this](int) {
                  m_host.Plugin().SetRecordingEnabled(logKind);
@@ -105,36 +114,55 @@ void COperations::AddRecording(UINT32 size) {
         work.WriteActionLog(record);
         work.WriteReplay(record);
     };
-    AddNotify("Notify", size, kLogKind, MakeAction(L"playItem"), writeBoth);
-    AddNotify("Notify, delete action", size, kLogKind, MakeAction(L"deleteItem"),
+    AddNotify("Notify", size, kLogKind, MakeAction(L"playItem"), {1, 0}, writeBoth);
+    AddNotify("Notify, delete action", size, kLogKind, MakeAction(L"deleteItem"), {1, 1},
               [=](const CFloor& work, const FloorRecord& record) {
                   work.WriteKept(record);
                   writeBoth(work, record);
               });
     AddNotify("Notify, linked item", size, kLogKindWithAdditions,
-              MakeActionWithLinkedItem(L"playItem", kLinkedEntries), writeBoth);
+              MakeActionWithLinkedItem(L"playItem", kLinkedEntries), {1, 0}, writeBoth);
+}
+
+// What its floor would be is not the disk's matter: all records of the replay log become
+// containers.
+void COperations::AddHundredthNotify() {
+    const CComPtr<CTslParamContainer> action = MakeAction(L"playItem");
+    m_operations.push_back(
+        {.name = "Notify, a 100th id",
+         .size = 1'000,
+         .calls = kCallsThatWrite,
+         .change = {1, 0},
+         .prepare = [this](int) { m_host.Plugin().SetRecordingEnabled(kLogKind); },
+         .component =
+             [=, this] {
+                 SetRecordId(*action, m_stores.NewHundredthId());
+                 Require(m_host.Plugin().Notify(kCommandRecordAction, action.Get()));
+             },
+         .floor = {}});
 }
 
 void COperations::AddQueries(UINT32 size) {
     const auto add = [&](std::string name, int calls, UINT64 command,
-                         const CComPtr<CTslParamContainer>& arguments,
+                         const CComPtr<CTslParamContainer>& arguments, size_t answers,
                          std::function<void(const CFloor&)> floor) {
         m_operations.push_back(
             {.name = std::move(name),
              .size = size,
              .calls = calls,
              .prepare = [this](int) { m_host.Plugin().SetRecordingEnabled(kLogKind); },
-             .component = [=, this] { m_host.Ask(command, *arguments); },
+             .component = [=, this] { RequireAnswers(m_host.Ask(command, *arguments), answers); },
              .floor = std::move(floor)});
     };
     const UINT32 first = size - kIdsAskedFor + 1;
     const DATE start = TimeOf(first) - kHalfMinute;
     const DATE end = TimeOf(size) + kHalfMinute;
-    add("ids by time", CallsThatRead(size), kCommandQueryIds, OfTimes(start, end),
+    add("ids by time", CallsThatRead(size), kCommandQueryIds, OfTimes(start, end), kIdsAskedFor,
         [=](const CFloor& work) { work.IdsByTime(start, end); });
-    add("ids by id range", CallsThatRead(size), kCommandQueryIds, OfIds(first, size),
+    add("ids by id range", CallsThatRead(size), kCommandQueryIds, OfIds(first, size), kIdsAskedFor,
         [=](const CFloor& work) { work.IdsByRange(first, size); });
-    add("all ids", 10, kCommandQueryAllIds, OfUser(), [](const CFloor& work) { work.AllIds(); });
+    add("all ids", 10, kCommandQueryAllIds, OfUser(), kKeptRecords,
+        [](const CFloor& work) { work.AllIds(); });
     for (const UINT32 count : {1U, 100U, 10'000U}) {
         if (count > size) continue;
         std::vector<ULONG> ids(count);
@@ -142,19 +170,23 @@ void COperations::AddQueries(UINT32 size) {
         const CComPtr<CTslParamContainer> arguments = CTslParamContainer::Create();
         SetValue(*arguments, kKeyRecordIds, MakeArray<ULONG>(ids));
         add("records by " + std::to_string(count) + (count == 1 ? " id" : " ids"),
-            CallsThatRead(size, count), kCommandQueryRecords, arguments,
+            CallsThatRead(size, count), kCommandQueryRecords, arguments, count,
             [=](const CFloor& work) { work.Records(ids); });
     }
     m_operations.push_back(
         {.name = "take one",
          .size = size,
          .calls = kCallsThatWrite,
+         .change = {0, -1},
          .prepare =
              [this](int calls) {
                  m_host.Plugin().SetRecordingEnabled(kLogKind);
                  m_nextToDelete = m_stores.AddKeptRecords(calls);
              },
-         .component = [this] { m_host.Ask(kCommandTakeRecord, *OfOne(m_nextToDelete++)); },
+         .component =
+             [this] {
+                 RequireAnswers(m_host.Ask(kCommandTakeRecord, *OfOne(m_nextToDelete++)), 1);
+             },
          .floor = [this](const CFloor& work) { work.Take(m_nextToDelete++); }});
 }
 
@@ -166,6 +198,7 @@ void COperations::AddDeletions(UINT32 size) {
             {.name = std::move(name),
              .size = size,
              .calls = CallsThatRead(size),
+             .change = {-1, 0},
              .prepare =
                  [this](int calls) {
                      m_host.Plugin().SetRecordingEnabled(kLogKind);

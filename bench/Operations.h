@@ -18,9 +18,12 @@ struct Operation {
     UINT32 size;
     // How often it is called in a run.
     int calls;
+    // What a call adds to the action log and to the kept records, or takes from them.
+    StoreCounts change = {};
     // Brings the store into the state that so many calls need; empty when there is nothing to do.
-    std::function<void(int calls)> prepare;
+    std::function<void(int calls)> prepare = {};
     std::function<void()> component;
+    // Empty for what is only timed by itself.
     std::function<void(const CFloor&)> floor;
 };
 
@@ -42,8 +45,9 @@ private:
     void AddDeletions(UINT32 size);
     void AddObject();
     void AddNotify(std::string name, UINT32 size, UINT32 logKind,
-                   CComPtr<CTslParamContainer> action,
+                   CComPtr<CTslParamContainer> action, StoreCounts change,
                    std::function<void(const CFloor&, const FloorRecord&)> floor);
+    void AddHundredthNotify();
 
     CEngine m_engine;
     CStores m_stores{m_engine};

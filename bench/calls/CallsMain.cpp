@@ -39,13 +39,17 @@ nlohmann::json CountCalls() {
     for (const Operation& operation : operations.All()) {
         if (operation.size != kSize) continue;
         operations.Stores().Place(operation.size);
-        if (operation.prepare) operation.prepare(/*calls=*/2);
+        if (operation.prepare) operation.prepare(/*calls=*/3);
         operation.component();
         componentCalls.Take();
         engineCalls.Take();
         operation.component();
         counts[operation.name] = {{"component", componentCalls.Take()},
                                   {"engine", engineCalls.Take()}};
+        if (operation.floor) {
+            operation.floor(operations.Floor());
+            counts[operation.name]["engine of the floor"] = engineCalls.Take();
+        }
         operations.Stores().Restore();
     }
     return counts;

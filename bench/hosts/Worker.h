@@ -23,7 +23,7 @@ class CWorkerProcess {
 public:
     CWorkerProcess(int number, int actions);
 
-    // Waits until it is ready for ReleaseWorkers.
+    // Waits until it is ready to begin.
     void WaitUntilReady() const;
     WorkerReport Finish();
 

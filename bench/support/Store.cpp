@@ -15,6 +15,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr UINT32 kIdsBetweenLooks = 100;
+
 constexpr wchar_t kParameters[] =
     L"'ullValues={4711,815}&usValues={7,12}&intValues={-1,2,30}&boolValues={1}&stringValues={A%20"
     L"title%20of%20usual%20length,Its%20maker,2026}&floatValues={0.500000}'";
@@ -119,9 +121,20 @@ std::wstring CStores::ParametersOf(UINT32 recordId) const {
                    std::to_wstring(recordId));
 }
 
+StoreCounts CStores::Count() const {
+    const auto count = [this](const std::wstring& table) {
+        return std::stoi(Run(ActionLogPath(), L"SELECT COUNT(*) FROM " + table));
+    };
+    return {count(kActionLogTable), count(kKeptTable)};
+}
+
 UINT32 CStores::NewId() {
-    constexpr UINT32 kIdsBetweenCounts = 100;
-    if (++m_lastId % kIdsBetweenCounts == 0) ++m_lastId;
+    if (++m_lastId % kIdsBetweenLooks == 0) ++m_lastId;
+    return m_lastId;
+}
+
+UINT32 CStores::NewHundredthId() {
+    m_lastId += kIdsBetweenLooks - m_lastId % kIdsBetweenLooks;
     return m_lastId;
 }
 

@@ -23,6 +23,14 @@ constexpr DATE TimeOf(UINT32 recordId) {
     return 45'000.0 + recordId / 1'440.0;
 }
 
+// How many records two of the tables have.
+struct StoreCounts {
+    int actionLog = 0;
+    int kept = 0;
+
+    bool operator==(const StoreCounts&) const = default;
+};
+
 class CStores {
 public:
     // Wipes the machine's store. Throws std::runtime_error unless TSL_TEST_STORE_MAY_BE_WIPED=1 is
@@ -46,9 +54,14 @@ public:
     // The parameter text of a record in the action log.
     std::wstring ParametersOf(UINT32 recordId) const;
 
-    // An id that was not in use before, and is no multiple of 100, at which the replay log is
-    // counted.
+    // Counts them one by one.
+    StoreCounts Count() const;
+
+    // An id that was not in use before, and is no multiple of 100: at those the component also
+    // looks whether the replay log has grown too long.
     UINT32 NewId();
+    // One that is.
+    UINT32 NewHundredthId();
 
 private:
     void Make(UINT32 size) const;
