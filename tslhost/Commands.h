@@ -29,5 +29,6 @@ void AddMoveCommand(CLI::App& app, CommandContext& context);
 void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddPluginsCommand(CLI::App& app, CommandContext& context);
 void AddWhoamiCommand(CLI::App& app, CommandContext& context);
+void AddManualCommand(CLI::App& app, CommandContext& context);
 
 } // namespace tsl

@@ -93,8 +93,9 @@ void AddImportCommand(CLI::App& app, CommandContext& context) {
         app.add_subcommand("import", "Record the actions of a file, one JSON object a line");
     const auto file = std::make_shared<std::string>();
     command->add_option("FILE", *file, "JSON Lines file, or - for the standard input")->required();
-    command->footer("Example line: {\"name\":\"playItem\",\"app\":3,\"user\":1,"
-                    "\"time\":\"2026-11-21T08:30:00Z\",\"ullValues\":[4711]}");
+    command->footer("A line:\n  {\"name\":\"playItem\",\"app\":3,\"user\":1,"
+                    "\"time\":\"2026-11-21T08:30:00Z\",\"ullValues\":[4711]}\n"
+                    "Example: tslhost import actions.jsonl");
     command->callback([&context, file] { context.exitCode = Import(*file, context); });
 }
 

@@ -9,10 +9,26 @@
 #include "console/Output.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
+#include "tslhost/HelpFormatter.h"
 
 namespace tsl {
 
 namespace {
+
+constexpr char kFooter[] =
+    "tslhost COMMAND --help tells the options of a command, with an example.\n"
+    "\n"
+    "It ends with\n"
+    "  0  all went well\n"
+    "  1  nothing was found\n"
+    "  2  wrong usage\n"
+    "  3  something is locked or timed out\n"
+    "  4  the store is damaged\n"
+    "  5  access is denied, or an I/O operation failed\n"
+    "  6  a part was done\n"
+    "Results go to the standard output; messages, one line each, and progress to "
+    "the error output. Colour and progress are shown on a terminal only; the "
+    "environment variable NO_COLOR, set to anything, switches colour off.";
 
 // The arguments in UTF-8, without the program, last first: so the parser takes them.
 std::vector<std::string> ReversedArguments() {
@@ -25,9 +41,24 @@ std::vector<std::string> ReversedArguments() {
     return reversed;
 }
 
+// Adds commands that the help shows below one title.
+void AddCommands(CLI::App& app, CommandContext& context, const char* title,
+                 std::initializer_list<void (*)(CLI::App&, CommandContext&)> commands) {
+    const size_t present = app.get_subcommands({}).size();
+    for (const auto add : commands)
+        add(app, context);
+    const std::vector<CLI::App*> all = app.get_subcommands({});
+    for (size_t index = present; index < all.size(); ++index)
+        all[index]->group(title);
+}
+
 ExitCode Run() {
     CommandContext context;
-    CLI::App app("Drives the Tessaly action log from the command line", "tslhost");
+    CLI::App app("Drives the Tessaly action log from the command line, and looks after its store",
+                 "tslhost");
+    const auto formatter = std::make_shared<CHelpFormatter>();
+    formatter->label("SUBCOMMAND", "COMMAND");
+    app.formatter(formatter);
     app.require_subcommand(0, 1); // none is told below: an unknown one must be named, not asked for
     app.allow_windows_style_options(false); // a path may start with a slash
     app.fallthrough();
@@ -38,19 +69,15 @@ ExitCode Run() {
                    "Path of TslIfDbActionLog.dll; default: beside this program, else the plug-in "
                    "that is registered");
     app.parse_complete_callback([&] { context.pluginPath = ToUtf16(plugin); });
-    AddIdCommand(app, context);
-    AddRecordCommand(app, context);
-    AddImportCommand(app, context);
-    AddIdsCommand(app, context);
-    AddShowCommand(app, context);
-    AddListCommand(app, context);
-    AddAllCommand(app, context);
-    AddTakeCommand(app, context);
-    AddDeleteCommand(app, context);
-    AddMoveCommand(app, context);
-    AddResetCommand(app, context);
-    AddPluginsCommand(app, context);
-    AddWhoamiCommand(app, context);
+    AddCommands(
+        app, context, "Recording",
+        {AddIdCommand, AddRecordCommand, AddImportCommand, AddMoveCommand, AddResetCommand});
+    AddCommands(app, context, "Records",
+                {AddListCommand, AddShowCommand, AddIdsCommand, AddAllCommand, AddTakeCommand,
+                 AddDeleteCommand});
+    AddCommands(app, context, "The machine",
+                {AddPluginsCommand, AddWhoamiCommand, AddManualCommand});
+    app.footer(kFooter); // now: commands would have taken it over
     try {
         app.parse(ReversedArguments());
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
