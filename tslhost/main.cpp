@@ -51,6 +51,7 @@ ExitCode Run() {
     AddResetCommand(app, context);
     AddPluginsCommand(app, context);
     AddWhoamiCommand(app, context);
+    AddDoctorCommand(app, context);
     try {
         app.parse(ReversedArguments());
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
