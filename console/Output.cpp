@@ -16,6 +16,27 @@ void Write(std::FILE* stream, std::string_view text) {
     std::fflush(stream);
 }
 
+// A terminal that does not know the escape sequences would show them.
+bool ShowsColours() {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    if (GetEnvironmentVariableW(L"NO_COLOR", nullptr, 0) > 1 || !GetConsoleMode(output, &mode))
+        return false;
+    return (mode & ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0 ||
+           SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+const char* EscapeOf(Colour colour) noexcept {
+    switch (colour) {
+    case Colour::Green:
+        return "\x1b[32m";
+    case Colour::Yellow:
+        return "\x1b[33m";
+    default:
+        return "\x1b[31m";
+    }
+}
+
 } // namespace
 
 void PrepareOutput() {
@@ -36,6 +57,12 @@ size_t OutputWidth() {
 void PrintLine(std::string_view line) {
     std::string text(line);
     Write(stdout, text.append("\n"));
+}
+
+std::string Coloured(std::string_view text, Colour colour) {
+    std::string coloured(text);
+    if (!ShowsColours()) return coloured;
+    return EscapeOf(colour) + coloured + "\x1b[0m";
 }
 
 void PrintError(std::string_view message) {

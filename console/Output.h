@@ -2,6 +2,7 @@
 // output.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace tsl {
@@ -14,6 +15,12 @@ size_t OutputWidth();
 
 // One line of results.
 void PrintLine(std::string_view line);
+
+enum class Colour { Green, Yellow, Red };
+
+// The text in the colour where results go to a terminal that shows colours, unless the environment
+// variable NO_COLOR holds anything; else the text as it is.
+std::string Coloured(std::string_view text, Colour colour);
 
 // One line for the person: "tslhost: message".
 void PrintError(std::string_view message);

@@ -16,6 +16,7 @@ struct CommandContext {
     ExitCode exitCode = ExitCode::Fine;
 };
 
+void AddDoctorCommand(CLI::App& app, CommandContext& context);
 void AddIdCommand(CLI::App& app, CommandContext& context);
 void AddRecordCommand(CLI::App& app, CommandContext& context);
 void AddImportCommand(CLI::App& app, CommandContext& context);

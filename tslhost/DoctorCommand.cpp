@@ -1,0 +1,109 @@
+// tslhost doctor
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "console/Output.h"
+#include "console/Table.h"
+#include "console/Text.h"
+#include "tslhost/Commands.h"
+#include "upkeep/Doctor.h"
+
+namespace tsl {
+
+namespace {
+
+struct LevelLook {
+    const char* name;
+    Colour colour;
+};
+
+LevelLook LookOf(Level level) noexcept {
+    switch (level) {
+    case Level::Ok:
+        return {"ok", Colour::Green};
+    case Level::Warning:
+        return {"warning", Colour::Yellow};
+    default:
+        return {"error", Colour::Red};
+    }
+}
+
+// The words of a text on lines of this width; a longer word has a line of its own.
+std::vector<std::string> Wrap(const std::string& text, size_t width) {
+    std::vector<std::string> lines;
+    std::istringstream words(OneLine(text));
+    for (std::string word; words >> word;) {
+        const bool fits =
+            !lines.empty() && DisplayWidth(lines.back()) + 1 + DisplayWidth(word) <= width;
+        if (fits) {
+            lines.back() += ' ' + word;
+        } else {
+            lines.push_back(word);
+        }
+    }
+    return lines;
+}
+
+class CFindingPrinter {
+public:
+    explicit CFindingPrinter(const Findings& findings) {
+        for (const Finding& finding : findings)
+            m_subjectWidth = std::max(m_subjectWidth, finding.subject.size());
+    }
+
+    // "ok       actionLog.txt  next id is 601", and what mends it on lines below.
+    void Print(const Finding& finding) const {
+        const LevelLook look = LookOf(finding.level);
+        std::string start = Coloured(look.name, look.colour);
+        start.append(kLevelWidth - std::string_view(look.name).size(), ' ').append(finding.subject);
+        start.append(m_subjectWidth - finding.subject.size() + kGap, ' ');
+        for (const std::string& line : Wrap(finding.text, Room())) {
+            PrintLine(start + line);
+            start.assign(Indent(), ' ');
+        }
+        if (finding.remedy.empty()) return;
+        for (const std::string& line : Wrap("mend: " + finding.remedy, Room()))
+            PrintLine(std::string(Indent(), ' ') + line);
+    }
+
+private:
+    static constexpr size_t kGap = 2;
+    static constexpr size_t kLevelWidth = 7 + kGap;
+
+    size_t Indent() const { return kLevelWidth + m_subjectWidth + kGap; }
+    size_t Room() const {
+        constexpr size_t kLeastRoom = 20;
+        return std::max(OutputWidth(), Indent() + kLeastRoom) - Indent();
+    }
+
+    size_t m_subjectWidth = 0;
+};
+
+void PrintJson(const Finding& finding) {
+    const nlohmann::ordered_json object = {{"level", LookOf(finding.level).name},
+                                           {"subject", finding.subject},
+                                           {"text", finding.text},
+                                           {"remedy", finding.remedy},
+                                           {"damage", finding.damage}};
+    PrintLine(object.dump());
+}
+
+ExitCode ExamineAndPrint(const CommandContext& context) {
+    const Findings findings = Examine(MachineStore(), context.pluginPath);
+    const CFindingPrinter printer(findings);
+    for (const Finding& finding : findings)
+        context.json ? PrintJson(finding) : printer.Print(finding);
+    return HasDamage(findings) ? ExitCode::Damaged : ExitCode::Fine;
+}
+
+} // namespace
+
+void AddDoctorCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* const command = app.add_subcommand(
+        "doctor", "Examine the component, its locks and the store, and say what mends them; "
+                  "changes nothing, and ends with 4 where something is damaged");
+    command->footer("Example: tslhost doctor --json");
+    command->callback([&context] { context.exitCode = ExamineAndPrint(context); });
+}
+
+} // namespace tsl

@@ -1,0 +1,51 @@
+// A database that is open to be looked at and stays as it is. What the engine would change to read
+// it, by rolling an interrupted change back or making files of its own, happens to a copy.
+#pragma once
+
+#include <optional>
+
+#include "upkeep/Connection.h"
+
+namespace tsl {
+
+// A copy of a database, with what belongs to it, in the folder for temporary files.
+class CTemporaryCopy {
+public:
+    // Throws CHresultError.
+    explicit CTemporaryCopy(const std::wstring& database);
+    CTemporaryCopy(const CTemporaryCopy&) = delete;
+    CTemporaryCopy& operator=(const CTemporaryCopy&) = delete;
+    ~CTemporaryCopy();
+
+    std::wstring Database() const;
+
+private:
+    void Add(const std::wstring& database, const wchar_t* ending) const;
+    void Remove() const noexcept;
+
+    std::wstring m_folder;
+};
+
+class CExaminedDatabase {
+public:
+    // Nobody writes to the file from here to the end; where a copy is looked at, not even the lock
+    // of the hosts is needed any more. One is made of a large file too, so that hosts need not wait
+    // for long. Throws CSqliteError for what the engine refuses, and CHresultError.
+    CExaminedDatabase(const std::wstring& path, bool alwaysCopy);
+
+    const CConnection& Connection() const { return *m_connection; }
+    bool IsCopy() const { return m_copy.has_value(); }
+    // Whether a change had to be rolled back, which was done in the copy.
+    bool WasInterrupted() const { return m_interrupted; }
+
+private:
+    void OpenInPlace(const std::wstring& path);
+    void OpenCopy(const std::wstring& path);
+
+    // The connection goes before the copy.
+    std::optional<CTemporaryCopy> m_copy;
+    std::optional<CConnection> m_connection;
+    bool m_interrupted = false;
+};
+
+} // namespace tsl
