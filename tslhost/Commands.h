@@ -29,5 +29,8 @@ void AddMoveCommand(CLI::App& app, CommandContext& context);
 void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddPluginsCommand(CLI::App& app, CommandContext& context);
 void AddWhoamiCommand(CLI::App& app, CommandContext& context);
+void AddBackupCommand(CLI::App& app, CommandContext& context);
+void AddCompactCommand(CLI::App& app, CommandContext& context);
+void AddRestoreCommand(CLI::App& app, CommandContext& context);
 
 } // namespace tsl

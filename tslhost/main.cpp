@@ -51,6 +51,9 @@ ExitCode Run() {
     AddResetCommand(app, context);
     AddPluginsCommand(app, context);
     AddWhoamiCommand(app, context);
+    AddBackupCommand(app, context);
+    AddCompactCommand(app, context);
+    AddRestoreCommand(app, context);
     try {
         app.parse(ReversedArguments());
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
