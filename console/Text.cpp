@@ -28,8 +28,27 @@ std::wstring ToUtf16(std::string_view text) {
     return converted;
 }
 
+namespace {
+
+// What is no UTF-8 becomes U+FFFD.
+std::wstring ToUtf16Leniently(std::string_view text) {
+    // No text has more UTF-16 units than UTF-8 bytes.
+    std::wstring converted(text.size(), L'\0');
+    const int length = static_cast<int>(text.size());
+    const int units =
+        MultiByteToWideChar(CP_UTF8, /*flags=*/0, text.data(), length, converted.data(), length);
+    converted.resize(static_cast<size_t>(units));
+    return converted;
+}
+
+} // namespace
+
+std::string RepairUtf8(std::string_view text) {
+    return ToUtf8(ToUtf16Leniently(text));
+}
+
 std::string OneLine(std::string_view text) {
-    std::wstring line = ToUtf16(text);
+    std::wstring line = ToUtf16Leniently(text);
     std::ranges::replace_if(
         line, [](wchar_t character) { return std::iswcntrl(character) != 0; }, L' ');
     return ToUtf8(line);

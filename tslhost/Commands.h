@@ -16,20 +16,23 @@ struct CommandContext {
     ExitCode exitCode = ExitCode::Fine;
 };
 
+void AddAllCommand(CLI::App& app, CommandContext& context);
+void AddBackupCommand(CLI::App& app, CommandContext& context);
+void AddCompactCommand(CLI::App& app, CommandContext& context);
+void AddDeleteCommand(CLI::App& app, CommandContext& context);
 void AddDoctorCommand(CLI::App& app, CommandContext& context);
 void AddIdCommand(CLI::App& app, CommandContext& context);
-void AddRecordCommand(CLI::App& app, CommandContext& context);
-void AddImportCommand(CLI::App& app, CommandContext& context);
 void AddIdsCommand(CLI::App& app, CommandContext& context);
-void AddShowCommand(CLI::App& app, CommandContext& context);
+void AddImportCommand(CLI::App& app, CommandContext& context);
 void AddListCommand(CLI::App& app, CommandContext& context);
-void AddAllCommand(CLI::App& app, CommandContext& context);
-void AddTakeCommand(CLI::App& app, CommandContext& context);
-void AddDeleteCommand(CLI::App& app, CommandContext& context);
-void AddMoveCommand(CLI::App& app, CommandContext& context);
-void AddResetCommand(CLI::App& app, CommandContext& context);
-void AddPluginsCommand(CLI::App& app, CommandContext& context);
-void AddWhoamiCommand(CLI::App& app, CommandContext& context);
 void AddManualCommand(CLI::App& app, CommandContext& context);
+void AddMoveCommand(CLI::App& app, CommandContext& context);
+void AddPluginsCommand(CLI::App& app, CommandContext& context);
+void AddRecordCommand(CLI::App& app, CommandContext& context);
+void AddResetCommand(CLI::App& app, CommandContext& context);
+void AddRestoreCommand(CLI::App& app, CommandContext& context);
+void AddShowCommand(CLI::App& app, CommandContext& context);
+void AddTakeCommand(CLI::App& app, CommandContext& context);
+void AddWhoamiCommand(CLI::App& app, CommandContext& context);
 
 } // namespace tsl

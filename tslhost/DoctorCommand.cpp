@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 
 #include "console/Output.h"
-#include "console/Table.h"
 #include "console/Text.h"
+#include "console/WordWrap.h"
 #include "tslhost/Commands.h"
 #include "upkeep/Doctor.h"
 
@@ -28,22 +28,6 @@ LevelLook LookOf(Level level) noexcept {
     }
 }
 
-// The words of a text on lines of this width; a longer word has a line of its own.
-std::vector<std::string> Wrap(const std::string& text, size_t width) {
-    std::vector<std::string> lines;
-    std::istringstream words(OneLine(text));
-    for (std::string word; words >> word;) {
-        const bool fits =
-            !lines.empty() && DisplayWidth(lines.back()) + 1 + DisplayWidth(word) <= width;
-        if (fits) {
-            lines.back() += ' ' + word;
-        } else {
-            lines.push_back(word);
-        }
-    }
-    return lines;
-}
-
 class CFindingPrinter {
 public:
     explicit CFindingPrinter(const Findings& findings) {
@@ -57,12 +41,12 @@ public:
         std::string start = Coloured(look.name, look.colour);
         start.append(kLevelWidth - std::string_view(look.name).size(), ' ').append(finding.subject);
         start.append(m_subjectWidth - finding.subject.size() + kGap, ' ');
-        for (const std::string& line : Wrap(finding.text, Room())) {
+        for (const std::string& line : WrapWords(OneLine(finding.text), Room())) {
             PrintLine(start + line);
             start.assign(Indent(), ' ');
         }
         if (finding.remedy.empty()) return;
-        for (const std::string& line : Wrap("mend: " + finding.remedy, Room()))
+        for (const std::string& line : WrapWords("mend: " + OneLine(finding.remedy), Room()))
             PrintLine(std::string(Indent(), ' ') + line);
     }
 

@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "console/WordWrap.h"
+
 namespace tsl {
 
 namespace {
@@ -19,14 +21,9 @@ std::string Wrap(const std::string& text, size_t width) {
             wrapped += line;
             continue;
         }
-        std::istringstream words(line);
-        size_t column = 0;
-        for (std::string word; words >> word;) {
-            const bool fits = column + 1 + word.size() <= width;
-            if (column > 0) wrapped += fits ? ' ' : '\n';
-            column = column > 0 && fits ? column + 1 + word.size() : word.size();
-            wrapped += word;
-        }
+        const std::vector<std::string> rows = WrapWords(line, width);
+        for (const std::string& row : rows)
+            wrapped += (&row == &rows.front() ? "" : "\n") + row;
     }
     return wrapped;
 }

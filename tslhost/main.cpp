@@ -75,7 +75,8 @@ ExitCode Run() {
     AddCommands(app, context, "Records",
                 {AddListCommand, AddShowCommand, AddIdsCommand, AddAllCommand, AddTakeCommand,
                  AddDeleteCommand});
-    AddCommands(app, context, "The store", {AddDoctorCommand});
+    AddCommands(app, context, "The store",
+                {AddDoctorCommand, AddBackupCommand, AddRestoreCommand, AddCompactCommand});
     AddCommands(app, context, "The machine",
                 {AddPluginsCommand, AddWhoamiCommand, AddManualCommand});
     app.footer(kFooter); // now: commands would have taken it over

@@ -24,7 +24,7 @@ int OpenFlags(Access access) noexcept {
 } // namespace
 
 CSqliteError::CSqliteError(int result, const char* words)
-    : std::runtime_error(std::string(words) + " (" + std::to_string(result & 0xFF) + ")"),
+    : std::runtime_error(RepairUtf8(words) + " (" + std::to_string(result & 0xFF) + ")"),
       m_result(result & 0xFF) {}
 
 CConnection::CConnection(const std::wstring& path, Access access) {

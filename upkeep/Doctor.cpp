@@ -41,15 +41,6 @@ bool Guard(const std::string& subject, Findings& findings, Check check) {
     return false;
 }
 
-// What a damaged file holds, and messages quote, need not be UTF-8.
-std::string Readable(const std::string& text) {
-    const int length = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0');
-    const int units = MultiByteToWideChar(CP_UTF8, /*flags=*/0, text.data(), length, wide.data(),
-                                          static_cast<int>(wide.size()));
-    return ToUtf8(std::wstring_view(wide).substr(0, static_cast<size_t>(units)));
-}
-
 std::wstring FolderOf(const std::wstring& file) {
     return std::filesystem::path(file).parent_path().wstring();
 }
@@ -94,7 +85,7 @@ Findings Examine(const StorePaths& store, const std::wstring& pluginPath) {
         CheckUserList(store.userIds, findings);
     });
     for (Finding& finding : findings)
-        finding.text = Readable(finding.text);
+        finding.text = RepairUtf8(finding.text);
     return findings;
 }
 

@@ -5,11 +5,15 @@
 #include "base/NamedMutex.h"
 #include "console/Failure.h"
 #include "console/Text.h"
+#include "files/UserIdList.h"
 #include "store/StoreLocks.h"
 
 namespace tsl {
 
 namespace {
+
+// Short: who waits for it waits without end.
+constexpr DWORD kUserIdListTimeoutMilliseconds = 3000;
 
 LockState StateAfter(DWORD waitResult) noexcept {
     switch (waitResult) {
@@ -55,6 +59,11 @@ CDatabaseLock::CDatabaseLock()
 
 CStoreLocks::CStoreLocks() : m_logId(kLogIdMutexName, kLogIdTimeoutMilliseconds) {
     RequireHeld(m_logId, kLogIdMutexName);
+}
+
+CUserIdListLock::CUserIdListLock()
+    : m_userIdList(kLoginInfoMutexName, kUserIdListTimeoutMilliseconds) {
+    RequireHeld(m_userIdList, kLoginInfoMutexName);
 }
 
 } // namespace tsl

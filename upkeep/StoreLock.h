@@ -56,4 +56,13 @@ private:
     CStoreLock m_logId;
 };
 
+// The lock of the user id list. Whoever takes it beside the others takes it last.
+class CUserIdListLock {
+public:
+    CUserIdListLock();
+
+private:
+    CStoreLock m_userIdList;
+};
+
 } // namespace tsl

@@ -71,7 +71,7 @@ TEST_F(DoctorCommand, PrintsALineForEachFindingWithin80Columns) {
 
 TEST_F(DoctorCommand, EndsWith4ForDamageAndSaysWhatMendsIt) {
     WriteBytes(Store().counter, Utf16FileBytes(L"00000007\t\r\n"));
-    const FolderContent before = ContentOf(StoreFolder().parent_path());
+    const FolderState before = StateOf(StoreFolder().parent_path());
     const ConsoleResult result = RunConsole(L"doctor");
     EXPECT_EQ(4, result.exitCode) << result.errors;
     EXPECT_NE(std::string::npos,
@@ -79,7 +79,7 @@ TEST_F(DoctorCommand, EndsWith4ForDamageAndSaysWhatMendsIt) {
     EXPECT_NE(std::string::npos,
               result.output.find("\n" + std::string(29, ' ') + "mend: tslhost recover\n"))
         << result.output;
-    EXPECT_TRUE(before == ContentOf(StoreFolder().parent_path()));
+    EXPECT_TRUE(before == StateOf(StoreFolder().parent_path()));
 }
 
 TEST_F(DoctorCommand, PipeGetsNoColours) {

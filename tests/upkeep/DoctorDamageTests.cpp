@@ -56,7 +56,7 @@ class DoctorOfDamage : public DoctorTest {
 protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(DoctorTest::SetUp());
-        m_whole = ContentOf(StoreFolder().parent_path());
+        m_whole = StateOf(StoreFolder().parent_path());
     }
 
     // The whole store, with a damaged file in the place of one.
@@ -141,7 +141,7 @@ private:
         return SUCCEEDED(Plugin().Delete(kCommandDeleteRecords, range));
     }
 
-    FolderContent m_whole;
+    FolderState m_whole;
 };
 
 TEST_F(DoctorOfDamage, NeverCallsAnActionLogWholeThatIsRefused) {

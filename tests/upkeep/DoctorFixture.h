@@ -37,9 +37,9 @@ protected:
     // Examines the store and proves that nothing of it was changed by that.
     Findings ExamineUnchanged() const {
         const auto folder = StoreFolder().parent_path();
-        const FolderContent before = ContentOf(folder);
+        const FolderState before = StateOf(folder);
         Findings findings = Examine(m_store);
-        EXPECT_TRUE(before == ContentOf(folder)) << "the examination has changed the store";
+        EXPECT_TRUE(before == StateOf(folder)) << "the examination has changed the store";
         return findings;
     }
     Finding Worst(std::string_view subject) const { return WorstOf(ExamineUnchanged(), subject); }

@@ -30,9 +30,9 @@ struct FileState {
 
     bool operator==(const FileState&) const = default;
 };
-using FolderContent = std::map<std::wstring, FileState>;
-inline FolderContent ContentOf(const std::filesystem::path& folder) {
-    FolderContent content;
+using FolderState = std::map<std::wstring, FileState>;
+inline FolderState StateOf(const std::filesystem::path& folder) {
+    FolderState content;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         content[entry.path().wstring()] = {
             entry.is_regular_file() ? ReadBytes(entry.path()) : Bytes(), entry.last_write_time()};

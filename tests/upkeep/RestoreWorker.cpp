@@ -1,0 +1,41 @@
+// restore_worker FOLDER N: a restore whose process ends where it would move a file for the Nth
+// time.
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <string>
+
+#include "base/LocalMemory.h"
+#include "console/Failure.h"
+#include "tests/support/ImportHook.h"
+#include "upkeep/Restore.h"
+
+namespace {
+
+decltype(&MoveFileExW) g_move = nullptr;
+int g_movesLeft = 0;
+
+BOOL WINAPI MoveOrEnd(const wchar_t* from, const wchar_t* to, DWORD flags) {
+    constexpr UINT kEndedHere = 77;
+    if (--g_movesLeft == 0) TerminateProcess(GetCurrentProcess(), kEndedHere);
+    return g_move(from, to, flags);
+}
+
+} // namespace
+
+int main() {
+    int count = 0;
+    const tsl::LocalMemory<wchar_t*> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
+    if (count != 3) return 2;
+    g_movesLeft = std::stoi(arguments.get()[2]);
+    g_move = &MoveFileExW;
+    const tsl::test::ImportHook hook("MoveFileExW", MoveOrEnd);
+    try {
+        tsl::RestoreStore(arguments.get()[1], tsl::MachineStore(),
+                          [](const std::string&, UINT64, UINT64) {});
+    } catch (const tsl::CFailure& failure) {
+        return static_cast<int>(failure.Code());
+    }
+    return 0;
+}

@@ -1,0 +1,43 @@
+// tslhost compact
+#include <nlohmann/json.hpp>
+
+#include "console/Table.h"
+#include "console/Text.h"
+#include "tslhost/Commands.h"
+#include "tslhost/UpkeepOutput.h"
+#include "upkeep/Compact.h"
+#include "upkeep/StoreFiles.h"
+
+namespace tsl {
+
+namespace {
+
+void Compact(const CommandContext& context) {
+    CProgress progress;
+    const std::vector<CompactedFile> files = CompactStore(MachineStore(), ShownOn(progress));
+    progress.Clear();
+    CTable table({{"file"}, {"before", true}, {"after", true}});
+    nlohmann::ordered_json json = nlohmann::ordered_json::array();
+    for (const CompactedFile& file : files) {
+        const std::string name = ToUtf8(NameOf(file.path));
+        table.Add({name, SizeText(file.sizeBefore), SizeText(file.sizeAfter)});
+        json.push_back({{"name", name}, {"before", file.sizeBefore}, {"after", file.sizeAfter}});
+    }
+    if (context.json) {
+        PrintLine(nlohmann::ordered_json({{"files", std::move(json)}}).dump());
+        return;
+    }
+    for (const std::string& line : table.Lines(OutputWidth()))
+        PrintLine(line);
+}
+
+} // namespace
+
+void AddCompactCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* const command = app.add_subcommand(
+        "compact", "Give back the room that deleted records left in the databases");
+    command->footer("Example: tslhost compact");
+    command->callback([&context] { Compact(context); });
+}
+
+} // namespace tsl

@@ -1,0 +1,72 @@
+// tslhost restore
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "console/StorePlace.h"
+#include "console/Text.h"
+#include "tslhost/Commands.h"
+#include "tslhost/UpkeepOutput.h"
+#include "upkeep/Restore.h"
+
+namespace tsl {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+void PrintJson(const std::wstring& folder, const RestoreReport& report) {
+    Json files = Json::array();
+    for (const BackupFile& file : report.manifest.files)
+        files.push_back(file.name);
+    PrintLine(
+        Json({{"folder", ToUtf8(folder)},
+              {"time", report.manifest.time},
+              {"files", std::move(files)},
+              {"before", report.keptFolder.empty() ? Json() : Json(ToUtf8(report.keptFolder))},
+              {"counter", report.counter ? Json(*report.counter) : Json()},
+              {"counterStayed", report.counterOfStore},
+              {"userIdsStayed", report.userIdsOfStore}})
+            .dump());
+}
+
+void PrintText(const std::wstring& folder, const RestoreReport& report) {
+    UINT64 all = 0;
+    for (const BackupFile& file : report.manifest.files)
+        all += file.sum.size;
+    PrintLine(SizeText(all) + " restored from " + ToUtf8(folder) + ", made " +
+              report.manifest.time);
+    if (!report.keptFolder.empty())
+        PrintLine("what was there before lies in " + ToUtf8(report.keptFolder));
+    if (report.counterOfStore) {
+        PrintLine("the counter stayed at " + std::to_string(*report.counter) +
+                  ", so that no record id is handed out twice");
+    } else if (report.counter) {
+        PrintLine("last record id: " + std::to_string(*report.counter));
+    }
+    if (report.userIdsOfStore) PrintLine("the user id list stayed as it was: the backup has none");
+}
+
+void Restore(const std::string& folder, const CommandContext& context) {
+    const std::wstring path = FullPath(ToUtf16(folder));
+    CProgress progress;
+    const RestoreReport report = RestoreStore(path, MachineStore(), ShownOn(progress));
+    progress.Clear();
+    if (context.json) {
+        PrintJson(path, report);
+    } else {
+        PrintText(path, report);
+    }
+}
+
+} // namespace
+
+void AddRestoreCommand(CLI::App& app, CommandContext& context) {
+    CLI::App* const command = app.add_subcommand(
+        "restore", "Put a backup in the place of the store; what was there before is kept");
+    const auto folder = std::make_shared<std::string>();
+    command->add_option("FOLDER", *folder, "Folder that tslhost backup made")->required();
+    command->footer("Example: tslhost restore D:\\backups\\2026-11-21");
+    command->callback([&context, folder] { Restore(*folder, context); });
+}
+
+} // namespace tsl

@@ -1,0 +1,38 @@
+#include "upkeep/WholeDatabase.h"
+
+#include <sqlite3.h>
+
+#include "console/Text.h"
+#include "files/Paths.h"
+#include "store/SqliteResult.h"
+
+namespace tsl {
+
+namespace {
+
+// The engine's words may quote what is in the file, which need not be text.
+CFailure Damaged(const std::wstring& database, const std::string& why) {
+    return CFailure(ExitCode::Damaged, ToUtf8(database) + " is damaged: " + OneLine(why) +
+                                           "; tslhost recover saves its records");
+}
+
+bool TellsOfDamage(int result) noexcept {
+    // The general error is what a header of a form that no engine writes gives.
+    return result == SQLITE_CORRUPT || result == SQLITE_NOTADB || result == SQLITE_ERROR;
+}
+
+} // namespace
+
+CFailure FailureOf(const char* operation, const std::wstring& database, const CSqliteError& error) {
+    if (FolderExists(database)) return Damaged(database, "a folder lies in its place");
+    if (TellsOfDamage(error.Result())) return Damaged(database, error.what());
+    return CFailure(operation, database, SqliteResultToHresult(error.Result()));
+}
+
+void RequireWhole(const CConnection& connection, const std::wstring& database) {
+    CQuery check(connection, "PRAGMA integrity_check(1)");
+    const std::string found = check.Step() ? check.Text(0).value_or("") : "";
+    if (found != "ok") throw Damaged(database, found);
+}
+
+} // namespace tsl

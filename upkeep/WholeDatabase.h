@@ -1,0 +1,16 @@
+// Whether a database is whole, and what to say when it is not.
+#pragma once
+
+#include "console/Failure.h"
+#include "upkeep/Connection.h"
+
+namespace tsl {
+
+// What the engine answered in the console's words and with its exit code. For a damaged database it
+// names the command that saves its records.
+CFailure FailureOf(const char* operation, const std::wstring& database, const CSqliteError& error);
+
+// Lets the engine look through all pages. Throws CFailure (Damaged), or CSqliteError.
+void RequireWhole(const CConnection& connection, const std::wstring& database);
+
+} // namespace tsl
