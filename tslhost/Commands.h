@@ -16,6 +16,8 @@ struct CommandContext {
     ExitCode exitCode = ExitCode::Fine;
 };
 
+void AddExportCommand(CLI::App& app, CommandContext& context);
+void AddFollowCommand(CLI::App& app, CommandContext& context);
 void AddIdCommand(CLI::App& app, CommandContext& context);
 void AddRecordCommand(CLI::App& app, CommandContext& context);
 void AddImportCommand(CLI::App& app, CommandContext& context);

@@ -41,9 +41,11 @@ ExitCode Run() {
     AddIdCommand(app, context);
     AddRecordCommand(app, context);
     AddImportCommand(app, context);
+    AddExportCommand(app, context);
     AddIdsCommand(app, context);
     AddShowCommand(app, context);
     AddListCommand(app, context);
+    AddFollowCommand(app, context);
     AddAllCommand(app, context);
     AddTakeCommand(app, context);
     AddDeleteCommand(app, context);
