@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <optional>
 #include <string_view>
 
 #include "console/IsoTime.h"
@@ -16,7 +18,20 @@ VARIANT_BOOL ToBool(const Json& value, const std::string& what) {
     return value.get<bool>() ? VARIANT_TRUE : VARIANT_FALSE;
 }
 
+// JSON has no numbers for these, so an export writes them as the parameter text has them.
+std::optional<FLOAT> NotFinite(const std::string& text) {
+    using Limits = std::numeric_limits<FLOAT>;
+    if (text == "inf") return Limits::infinity();
+    if (text == "-inf") return -Limits::infinity();
+    if (text == "nan") return Limits::quiet_NaN();
+    if (text == "-nan") return -Limits::quiet_NaN();
+    return std::nullopt;
+}
+
 FLOAT ToFloat(const Json& value, const std::string& what) {
+    if (value.is_string()) {
+        if (const auto number = NotFinite(value.get_ref<const std::string&>())) return *number;
+    }
     if (!value.is_number() || std::abs(value.get<double>()) > std::numeric_limits<FLOAT>::max()) {
         Refuse(what, "a 32-bit floating-point number");
     }
@@ -68,11 +83,13 @@ DATE ToTime(const Json& value, const std::string& what) {
 HostAction ParseActionLine(const std::string& line) {
     const Json object = ParseJson(line);
     if (!object.is_object()) throw std::invalid_argument("not a JSON object");
-    RefuseOthers(object, {"name", "app", "user", "time", "kind", "number", "linked"},
+    RefuseOthers(object,
+                 {"id", "name", "app", "user", "time", "kind", "number", "linked", "parameters"},
                  kValueMembers);
     for (const char* const required : {"name", "app", "user"})
         Member(object, required);
     HostAction action;
+    ReadMember(object, "id", action.id, ToInteger<UINT32>);
     ReadMember(object, "name", action.name, ToText);
     ReadMember(object, "app", action.app, ToInteger<INT32>);
     ReadMember(object, "user", action.user, ToInteger<UINT32>);
@@ -81,6 +98,7 @@ HostAction ParseActionLine(const std::string& line) {
     if (action.kind == 0) Refuse(Quoted("kind"), "at least 1: kind 0 switches recording off");
     ReadMember(object, "number", action.number, ToInteger<INT32>);
     ReadMember(object, "linked", action.linked, ToLinkedItem);
+    ReadMember(object, "parameters", action.parameters, ToText);
     ReadValues(object, action.values);
     return action;
 }

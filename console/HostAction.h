@@ -35,6 +35,10 @@ struct HostAction {
     std::optional<INT32> number;
     ActionValues values;
     std::optional<LinkedItem> linked;
+
+    // What an export tells of the record that the action has become. Not reported.
+    std::optional<UINT32> id;
+    std::optional<std::wstring> parameters;
 };
 
 // The container of an action that has been given its record id. Throws CHresultError.

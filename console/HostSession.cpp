@@ -88,6 +88,11 @@ UINT32 CHostSession::Record(const HostAction& action) {
     // The counter wraps around, and a record of id 0 would be skipped.
     UINT32 id = NextRecordId();
     if (id == 0) id = NextRecordId();
+    RecordAs(action, id);
+    return id;
+}
+
+void CHostSession::RecordAs(const HostAction& action, UINT32 id) {
     m_plugin->SetRecordingEnabled(action.kind);
     const HRESULT result = m_plugin->Notify(kCommandRecordAction, MakeContainer(action, id).Get());
     if (FAILED(result)) {
@@ -96,7 +101,6 @@ UINT32 CHostSession::Record(const HostAction& action) {
                            ") in",
                        ReplayLogPath(), result);
     }
-    return id;
 }
 
 CHostSession::Answer CHostSession::Query(UINT64 commandCode, ITslParamContainer& arguments) {

@@ -27,6 +27,9 @@ public:
     // Takes an id for the action, reports it and returns the id.
     UINT32 Record(const HostAction& action);
 
+    // Reports the action under an id that the caller answers for; not 0.
+    void RecordAs(const HostAction& action, UINT32 id);
+
     // The log kind that queries and deletions go by.
     void SetLogKind(UINT32 kind) { m_plugin->SetRecordingEnabled(kind); }
 

@@ -1,6 +1,7 @@
 #include "console/ParameterLists.h"
 
 #include <charconv>
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
@@ -24,6 +25,13 @@ std::optional<Json> ToNumber(const std::string& item) {
     return Json(number);
 }
 
+// What is no number of JSON's, "inf" or "nan", stays a text.
+std::optional<Json> ToFloat(const std::string& item) {
+    const std::optional<Json> number = ToNumber<double>(item);
+    if (!number || std::isfinite(number->get<double>())) return number;
+    return Json(item);
+}
+
 std::optional<Json> ToBool(const std::string& item) {
     if (item != "0" && item != "1") return std::nullopt;
     return Json(item == "1");
@@ -44,7 +52,7 @@ constexpr Kind kKinds[] = {
     {"intValues", ToNumber<int>},
     {"boolValues", ToBool},
     {"stringValues", ToText},
-    {"floatValues", ToNumber<double>},
+    {"floatValues", ToFloat},
 };
 
 // Nothing when an item is not of the kind.

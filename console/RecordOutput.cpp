@@ -14,6 +14,36 @@
 
 namespace tsl {
 
+namespace {
+
+constexpr size_t kWidestNumber = 11; // a sign and ten digits
+
+CTable RecordTable() {
+    return CTable({{"id", true},
+                   {"time"},
+                   {"user", true},
+                   {"app", true},
+                   {"action", false, 24},
+                   {"parameters"}});
+}
+
+// Wide enough for what is usual; a longer cell moves those behind it.
+CTable FixedRecordTable() {
+    return CTable({{"id", true, kWidestNumber, 7},
+                   {"time", false, 24, 24},
+                   {"user", true, kWidestNumber, 4},
+                   {"app", true, kWidestNumber, 4},
+                   {"action", false, 24, 16},
+                   {"parameters"}});
+}
+
+void AddRow(CTable& table, const StoredRecord& record) {
+    table.Add({std::to_string(record.id), FormatIsoTime(record.time), std::to_string(record.user),
+               std::to_string(record.app), ToUtf8(record.name), ToUtf8(record.parameters)});
+}
+
+} // namespace
+
 std::vector<StoredRecord> FetchRecords(CHostSession& session, std::span<const UINT32> ids) {
     if (ids.empty()) return {};
     const CComPtr<CTslParamContainer> arguments = CTslParamContainer::Create();
@@ -40,19 +70,21 @@ void PrintRecords(std::span<const StoredRecord> records, bool json) {
         }
         return;
     }
-    CTable table({{"id", true},
-                  {"time"},
-                  {"user", true},
-                  {"app", true},
-                  {"action", false, 24},
-                  {"parameters"}});
-    for (const StoredRecord& record : records) {
-        table.Add({std::to_string(record.id), FormatIsoTime(record.time),
-                   std::to_string(record.user), std::to_string(record.app), ToUtf8(record.name),
-                   ToUtf8(record.parameters)});
-    }
+    CTable table = RecordTable();
+    for (const StoredRecord& record : records)
+        AddRow(table, record);
     for (const std::string& line : table.Lines(OutputWidth()))
         PrintLine(line);
+}
+
+std::string RecordTitles() {
+    return FixedRecordTable().Lines(OutputWidth())[0];
+}
+
+std::string RecordLine(const StoredRecord& record) {
+    CTable table = FixedRecordTable();
+    AddRow(table, record);
+    return table.Lines(OutputWidth())[1];
 }
 
 std::string CountOfRecords(size_t count) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "console/HostSession.h"
@@ -14,6 +15,11 @@ std::vector<StoredRecord> FetchRecords(CHostSession& session, std::span<const UI
 
 // A table that fits the terminal, or one JSON object a line.
 void PrintRecords(std::span<const StoredRecord> records, bool json);
+
+// The same table for records that come one by one: the line of the titles, and that of a record,
+// both in columns of fixed widths.
+std::string RecordTitles();
+std::string RecordLine(const StoredRecord& record);
 
 // "1 record", "2 records".
 std::string CountOfRecords(size_t count);

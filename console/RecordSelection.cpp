@@ -7,6 +7,7 @@
 #include "component/host/ParamKeys.h"
 #include "console/IsoTime.h"
 #include "console/Numbers.h"
+#include "console/Text.h"
 
 namespace tsl {
 
@@ -71,6 +72,15 @@ void AddSelectionOptions(CLI::App& command, RecordSelection& selection) {
     command.add_option("--last", selection.last, "Highest record id")->check(ANumber<UINT32>());
     command.add_option("--kind", selection.kind, "Log kind; default: any, and 1 with record ids")
         ->check(ALogKind());
+}
+
+void AddFilterOptions(CLI::App& command, RecordFilter& filter) {
+    command.add_option("--name", filter.name, "Action name");
+    command.add_option("--app", filter.app, "Application id")->check(ANumber<INT32>());
+}
+
+bool RecordFilter::Matches(const StoredRecord& record) const {
+    return (name.empty() || ToUtf8(record.name) == name) && (!app || record.app == *app);
 }
 
 CComPtr<CTslParamContainer> TimeRangeArguments(const RecordSelection& selection, UINT32 user) {

@@ -8,6 +8,7 @@
 
 #include "console/Failure.h"
 #include "console/HostSession.h"
+#include "console/StoredRecord.h"
 
 namespace tsl {
 
@@ -25,6 +26,16 @@ struct RecordSelection {
 
 // Adds the options to a command.
 void AddSelectionOptions(CLI::App& command, RecordSelection& selection);
+
+// What the component does not filter by.
+struct RecordFilter {
+    std::string name;
+    std::optional<INT32> app;
+
+    bool Matches(const StoredRecord& record) const;
+};
+
+void AddFilterOptions(CLI::App& command, RecordFilter& filter);
 
 // Arguments of the component's range commands for one user and the time or the record-id bounds.
 CComPtr<CTslParamContainer> TimeRangeArguments(const RecordSelection& selection, UINT32 user);

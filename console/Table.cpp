@@ -81,7 +81,7 @@ std::vector<std::string> CTable::Lines(size_t width) const {
         for (const auto& row : m_rows) {
             widest = std::max(widest, DisplayWidth(OneLine(row[column])));
         }
-        widths.push_back(std::min(widest, m_columns[column].widest));
+        widths.push_back(std::clamp(widest, m_columns[column].narrowest, m_columns[column].widest));
     }
     const auto line = [&](const auto& cellOf) {
         std::string text;

@@ -10,6 +10,7 @@ struct TableColumn {
     std::string title;
     bool alignRight = false;
     size_t widest = 1000; // longer cells are cut
+    size_t narrowest = 0; // shorter ones are padded
 };
 
 // One line a row, the titles first. The last column is cut to the width, others to their own limit,

@@ -21,6 +21,8 @@ void AddBackupCommand(CLI::App& app, CommandContext& context);
 void AddCompactCommand(CLI::App& app, CommandContext& context);
 void AddDeleteCommand(CLI::App& app, CommandContext& context);
 void AddDoctorCommand(CLI::App& app, CommandContext& context);
+void AddExportCommand(CLI::App& app, CommandContext& context);
+void AddFollowCommand(CLI::App& app, CommandContext& context);
 void AddIdCommand(CLI::App& app, CommandContext& context);
 void AddIdsCommand(CLI::App& app, CommandContext& context);
 void AddImportCommand(CLI::App& app, CommandContext& context);

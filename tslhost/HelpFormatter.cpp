@@ -8,7 +8,7 @@ namespace tsl {
 
 namespace {
 
-constexpr size_t kWidth = 79; // a full line of 80 would wrap on some terminals
+constexpr size_t kWidth = 77; // with the indent of a list, less than the 80 of a terminal
 
 // Breaks the lines between words; what is indented, or follows "Example: ", stays as it is: it is
 // to be copied.
@@ -21,9 +21,10 @@ std::string Wrap(const std::string& text, size_t width) {
             wrapped += line;
             continue;
         }
+        const char* const next = line.starts_with("- ") ? "\n  " : "\n";
         const std::vector<std::string> rows = WrapWords(line, width);
         for (const std::string& row : rows)
-            wrapped += (&row == &rows.front() ? "" : "\n") + row;
+            wrapped += (&row == &rows.front() ? "" : next) + row;
     }
     return wrapped;
 }

@@ -12,6 +12,7 @@
 #include "console/Output.h"
 #include "console/Table.h"
 #include "console/Text.h"
+#include "console/WholeFile.h"
 #include "tslhost/Commands.h"
 
 namespace tsl {
@@ -54,18 +55,10 @@ std::vector<ContentItem> ReadItems(const std::string& file) {
     }
 }
 
-// The old file stays until the new one is whole.
 void SaveItems(const std::string& file, const std::vector<ContentItem>& items) {
-    const std::filesystem::path path(ToUtf16(file));
-    std::filesystem::path made = path;
-    made += L".new";
-    std::ofstream output(made, std::ios::binary);
-    output << ToJson(items).dump(2) << '\n';
-    output.close();
-    if (output && MoveFileExW(made.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING)) return;
-    std::error_code ignored;
-    std::filesystem::remove(made, ignored);
-    throw CFailure(ExitCode::Denied, "cannot write " + file);
+    CWholeFile output(file);
+    output.Stream() << ToJson(items).dump(2) << '\n';
+    output.Commit();
 }
 
 // The store for the class that the component creates.

@@ -8,7 +8,6 @@
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
-#include "console/Text.h"
 #include "tslhost/Commands.h"
 
 namespace tsl {
@@ -36,15 +35,9 @@ ExitCode Show(const std::vector<UINT32>& ids, const CommandContext& context) {
 
 struct ListOptions {
     RecordSelection selection;
+    RecordFilter filter;
     size_t count = 20;
-    std::string name;
-    std::optional<INT32> app;
 };
-
-bool Matches(const StoredRecord& record, const ListOptions& options) {
-    return (options.name.empty() || ToUtf8(record.name) == options.name) &&
-           (!options.app || record.app == *options.app);
-}
 
 // Fetched from the newest id on, in portions, until there are enough.
 ExitCode List(const ListOptions& options, const CommandContext& context) {
@@ -57,7 +50,7 @@ ExitCode List(const ListOptions& options, const CommandContext& context) {
     while (!rest.empty() && listed.size() < options.count) {
         const size_t portion = std::min(kPortion, rest.size());
         for (StoredRecord& record : FetchRecords(session, rest.first(portion))) {
-            if (listed.size() < options.count && Matches(record, options)) {
+            if (listed.size() < options.count && options.filter.Matches(record)) {
                 listed.push_back(std::move(record));
             }
         }
@@ -107,8 +100,7 @@ void AddListCommand(CLI::App& app, CommandContext& context) {
     command->add_option("-n,--count", options->count, "How many at the most")
         ->check(ANumber<size_t>())
         ->capture_default_str();
-    command->add_option("--name", options->name, "Action name");
-    command->add_option("--app", options->app, "Application id")->check(ANumber<INT32>());
+    AddFilterOptions(*command, options->filter);
     AddSelectionOptions(*command, options->selection);
     command->footer("Example: tslhost list -n 5 --name playItem");
     command->callback([&context, options] { context.exitCode = List(*options, context); });

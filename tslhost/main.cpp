@@ -69,12 +69,12 @@ ExitCode Run() {
                    "Path of TslIfDbActionLog.dll; default: beside this program, else the plug-in "
                    "that is registered");
     app.parse_complete_callback([&] { context.pluginPath = ToUtf16(plugin); });
-    AddCommands(
-        app, context, "Recording",
-        {AddIdCommand, AddRecordCommand, AddImportCommand, AddMoveCommand, AddResetCommand});
+    AddCommands(app, context, "Recording",
+                {AddIdCommand, AddRecordCommand, AddImportCommand, AddExportCommand, AddMoveCommand,
+                 AddResetCommand});
     AddCommands(app, context, "Records",
                 {AddListCommand, AddShowCommand, AddIdsCommand, AddAllCommand, AddTakeCommand,
-                 AddDeleteCommand});
+                 AddDeleteCommand, AddFollowCommand});
     AddCommands(app, context, "The store",
                 {AddDoctorCommand, AddBackupCommand, AddRestoreCommand, AddCompactCommand});
     AddCommands(app, context, "The machine",

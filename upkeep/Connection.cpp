@@ -112,4 +112,10 @@ std::optional<std::string> CQuery::Text(int column) const {
     return std::string(text, static_cast<size_t>(sqlite3_column_bytes(m_statement, column)));
 }
 
+std::wstring CQuery::WideText(int column) const {
+    const auto* const text =
+        static_cast<const wchar_t*>(sqlite3_column_text16(m_statement, column));
+    return text ? std::wstring(text) : std::wstring();
+}
+
 } // namespace tsl

@@ -70,6 +70,8 @@ public:
     double Double(int column) const;
     // UTF-8; nothing for NULL.
     std::optional<std::string> Text(int column) const;
+    // UTF-16, whatever the bytes in the file are; empty for NULL.
+    std::wstring WideText(int column) const;
 
 private:
     void Require(int result) const;

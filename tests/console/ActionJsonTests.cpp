@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <stdexcept>
 
 namespace tsl::test {
@@ -55,6 +57,28 @@ TEST(ActionJson, KindIsOneAndTimeIsAbsentUnlessNamed) {
     EXPECT_FALSE(action.linked.has_value());
 }
 
+TEST(ActionJson, ReadsWhatAnExportTellsOfTheRecord) {
+    const HostAction action = ParseActionLine(
+        R"({"id":4294967295,"time":"1970-01-01T00:00:00Z","user":1,"app":1,"kind":1,"name":"a",)"
+        R"("parameters":"intValues={1}","intValues":[1]})");
+    EXPECT_EQ(4294967295u, action.id);
+    EXPECT_EQ(L"intValues={1}", action.parameters);
+    const HostAction without = ParseActionLine(R"({"name":"a","app":1,"user":1})");
+    EXPECT_FALSE(without.id.has_value());
+    EXPECT_FALSE(without.parameters.has_value());
+}
+
+TEST(ActionJson, FloatThatIsNoNumberOfJsonIsAText) {
+    const HostAction action = ParseActionLine(
+        R"({"name":"a","app":1,"user":1,"floatValues":["inf","-inf","nan","-nan"]})");
+    const std::vector<FLOAT>& values = action.values.floatValues.value();
+    ASSERT_EQ(4u, values.size());
+    EXPECT_EQ(std::numeric_limits<FLOAT>::infinity(), values[0]);
+    EXPECT_EQ(-std::numeric_limits<FLOAT>::infinity(), values[1]);
+    EXPECT_TRUE(std::isnan(values[2]) && !std::signbit(values[2]));
+    EXPECT_TRUE(std::isnan(values[3]) && std::signbit(values[3]));
+}
+
 TEST(ActionJson, EmptyListIsNotAnAbsentOne) {
     const HostAction action = ParseActionLine(R"({"name":"a","app":1,"user":1,"intValues":[]})");
     ASSERT_TRUE(action.values.intValues.has_value());
@@ -88,6 +112,9 @@ TEST(ActionJson, SaysWhatIsWrongWithALine) {
              Case{R"({"name":"a","app":1,"user":1,"linked":[]})", "\"linked\" must be an object"},
              Case{R"({"name":"a","app":1,"user":1,"linked":{"name":"b"}})",
                   "\"name\" is not known"},
+             Case{R"({"name":"a","app":1,"user":1,"floatValues":["1.5"]})", "32-bit floating"},
+             Case{R"({"name":"a","app":1,"user":1,"id":4294967296})", "\"id\" must be an integer"},
+             Case{R"({"name":"a","app":1,"user":1,"parameters":1})", "must be a text"},
              Case{R"({"name":"\ud800","app":1,"user":1})", "surrogate"},
          }) {
         SCOPED_TRACE(c.line);

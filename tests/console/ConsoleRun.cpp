@@ -5,21 +5,20 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "base/Handle.h"
+#include "tests/support/FullForm.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
 
 namespace {
 
-constexpr DWORD kTimeoutMilliseconds = 60000;
+const DWORD kTimeoutMilliseconds = InForm(60'000, 600'000);
 
 // Streams go through files: nothing can block, however much is written.
 class StreamFile {
 public:
-    explicit StreamFile(const wchar_t* name, const std::string& content = {})
-        : m_path(std::filesystem::temp_directory_path() /
-                 (name + std::to_wstring(GetCurrentProcessId()))) {
+    explicit StreamFile(const std::wstring& name, const std::string& content = {})
+        : m_path(std::filesystem::temp_directory_path() / name) {
         WriteBytes(m_path, Bytes(content.begin(), content.end()));
         SECURITY_ATTRIBUTES inheritable{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
         m_file = CHandle(CreateFileW(m_path.c_str(), GENERIC_READ | GENERIC_WRITE,
@@ -46,39 +45,83 @@ private:
     CHandle m_file;
 };
 
-} // namespace
-
-ConsoleResult RunConsole(const std::wstring& arguments, const std::string& input) {
-    return RunConsoleAt(ProgramFolder() / L"tslhost.exe", arguments, input);
+// Several consoles of one test can run side by side.
+std::wstring UniqueTag() {
+    static unsigned serial = 0;
+    return std::to_wstring(GetCurrentProcessId()) + L"_" + std::to_wstring(++serial);
 }
 
-ConsoleResult RunConsoleAt(const std::filesystem::path& program, const std::wstring& arguments,
-                           const std::string& input) {
-    const StreamFile in(L"tslhost_in_", input);
-    const StreamFile out(L"tslhost_out_");
-    const StreamFile err(L"tslhost_err_");
+} // namespace
+
+struct RunningConsole::Streams {
+    explicit Streams(const std::string& input)
+        : in(L"tslhost_in_" + tag, input), out(L"tslhost_out_" + tag), err(L"tslhost_err_" + tag) {}
+
+    const std::wstring tag = UniqueTag();
+    const StreamFile in;
+    const StreamFile out;
+    const StreamFile err;
+};
+
+RunningConsole::RunningConsole(const std::filesystem::path& program, const std::wstring& arguments,
+                               const std::string& input, DWORD creationFlags)
+    : m_streams(std::make_unique<Streams>(input)) {
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = in.Get();
-    startup.hStdOutput = out.Get();
-    startup.hStdError = err.Get();
+    startup.hStdInput = m_streams->in.Get();
+    startup.hStdOutput = m_streams->out.Get();
+    startup.hStdError = m_streams->err.Get();
 
     std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, /*inheritHandles=*/TRUE,
-                        0, nullptr, nullptr, &startup, &started)) {
+                        creationFlags, nullptr, nullptr, &startup, &started)) {
         throw std::runtime_error("tslhost.exe cannot be started");
     }
-    const CHandle process(started.hProcess);
+    m_process = CHandle(started.hProcess);
+    m_processId = started.dwProcessId;
     const CHandle thread(started.hThread);
-    if (WaitForSingleObject(process.Get(), kTimeoutMilliseconds) != WAIT_OBJECT_0) {
-        TerminateProcess(process.Get(), 99);
+}
+
+RunningConsole::RunningConsole(const std::wstring& arguments, const std::string& input,
+                               DWORD creationFlags)
+    : RunningConsole(ProgramFolder() / L"tslhost.exe", arguments, input, creationFlags) {}
+
+RunningConsole::~RunningConsole() {
+    Kill();
+}
+
+void RunningConsole::Kill() {
+    TerminateProcess(m_process.Get(), 99);
+    WaitForSingleObject(m_process.Get(), kTimeoutMilliseconds);
+}
+
+bool RunningConsole::IsRunning() const {
+    return WaitForSingleObject(m_process.Get(), 0) == WAIT_TIMEOUT;
+}
+
+std::string RunningConsole::Output() const {
+    return m_streams->out.Content();
+}
+
+ConsoleResult RunningConsole::WaitForEnd() {
+    if (WaitForSingleObject(m_process.Get(), kTimeoutMilliseconds) != WAIT_OBJECT_0) {
+        Kill();
         throw std::runtime_error("tslhost.exe does not end");
     }
     DWORD exitCode = 0;
-    GetExitCodeProcess(process.Get(), &exitCode);
-    return {static_cast<int>(exitCode), out.Content(), err.Content()};
+    GetExitCodeProcess(m_process.Get(), &exitCode);
+    return {static_cast<int>(exitCode), Output(), m_streams->err.Content()};
+}
+
+ConsoleResult RunConsole(const std::wstring& arguments, const std::string& input) {
+    return RunningConsole(arguments, input).WaitForEnd();
+}
+
+ConsoleResult RunConsoleAt(const std::filesystem::path& program, const std::wstring& arguments,
+                           const std::string& input) {
+    return RunningConsole(program, arguments, input).WaitForEnd();
 }
 
 } // namespace tsl::test

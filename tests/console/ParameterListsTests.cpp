@@ -32,6 +32,11 @@ TEST(ParameterLists, SingleEmptyTextIsAText) {
     EXPECT_EQ(R"({"stringValues":[""]})", Decoded(L"stringValues={}"));
 }
 
+TEST(ParameterLists, NumberThatIsNoneInJsonIsAText) {
+    EXPECT_EQ(R"({"floatValues":["inf","-inf","nan","-nan",-0.0]})",
+              Decoded(L"floatValues={inf,-inf,nan,-nan,-0.000000}"));
+}
+
 TEST(ParameterLists, LeavesOutWhatCannotBeRead) {
     EXPECT_EQ("{}", Decoded(L"nonsense"));
     EXPECT_EQ("{}", Decoded(L"intValues={1,x}"));

@@ -31,6 +31,16 @@ TEST(Table, CutsOtherColumnsToTheirOwnLimit) {
     EXPECT_EQ("01234\u2026  x", table.Lines(80)[1]);
 }
 
+TEST(Table, PadsColumnsToTheirLeastWidth) {
+    CTable table({{"id", true, 10, 4}, {"name", false, 6, 6}, {"text"}});
+    table.Add({"7", "ab", "x"});
+    table.Add({"12345", "0123456789", "y"});
+    EXPECT_EQ("    7  ab      x", table.Lines(80)[1]);
+    CTable narrow({{"id", true, 10, 4}, {"name", false, 6, 6}, {"text"}});
+    narrow.Add({"7", "ab", "x"});
+    EXPECT_EQ("   7  ab      x", narrow.Lines(80)[1]);
+}
+
 TEST(Table, KeepsARowOnOneLine) {
     CTable table({{"text"}});
     table.Add({"a\r\nb\tc"});

@@ -1,0 +1,72 @@
+#include "console/ExportFormat.h"
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "console/IsoTime.h"
+#include "console/ParameterLists.h"
+#include "console/Text.h"
+
+namespace tsl {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// In the order of both formats. Files in the field have them: not to be changed.
+constexpr const char* kListNames[] = {"ullValues",  "usValues",     "intValues",
+                                      "boolValues", "stringValues", "floatValues"};
+
+std::string ToLine(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string CsvCell(std::string text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    for (size_t quote = text.find('"'); quote != std::string::npos;
+         quote = text.find('"', quote + 2)) {
+        text.insert(quote, 1, '"');
+    }
+    return '"' + text + '"';
+}
+
+} // namespace
+
+std::string ExportJson(const ExportedRecord& exported) {
+    const StoredRecord& record = exported.record;
+    Json line = {{"id", record.id},
+                 {"time", FormatIsoTime(record.time)},
+                 {"user", record.user},
+                 {"app", record.app},
+                 {"kind", exported.kind},
+                 {"name", ToUtf8(record.name)},
+                 {"parameters", ToUtf8(record.parameters)}};
+    const Json lists = DecodeParameterLists(record.parameters);
+    for (const char* const name : kListNames) {
+        if (lists.contains(name)) line[name] = lists[name];
+    }
+    return ToLine(line);
+}
+
+std::string ExportCsvTitles() {
+    std::string titles = "id,time,user,app,kind,name,parameters";
+    for (const char* const name : kListNames)
+        titles.append(",").append(name);
+    return titles + "\r\n";
+}
+
+std::string ExportCsvLine(const ExportedRecord& exported) {
+    const StoredRecord& record = exported.record;
+    std::string line = std::to_string(record.id) + ',' + FormatIsoTime(record.time) + ',' +
+                       std::to_string(record.user) + ',' + std::to_string(record.app) + ',' +
+                       std::to_string(exported.kind) + ',' + CsvCell(ToUtf8(record.name)) + ',' +
+                       CsvCell(ToUtf8(record.parameters));
+    const Json lists = DecodeParameterLists(record.parameters);
+    for (const char* const name : kListNames) {
+        line += ',';
+        if (lists.contains(name)) line += CsvCell(ToLine(lists[name]));
+    }
+    return line + "\r\n";
+}
+
+} // namespace tsl
