@@ -26,6 +26,7 @@ void AddAllCommand(CLI::App& app, CommandContext& context);
 void AddTakeCommand(CLI::App& app, CommandContext& context);
 void AddDeleteCommand(CLI::App& app, CommandContext& context);
 void AddMoveCommand(CLI::App& app, CommandContext& context);
+void AddRecoverCommand(CLI::App& app, CommandContext& context);
 void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddPluginsCommand(CLI::App& app, CommandContext& context);
 void AddWhoamiCommand(CLI::App& app, CommandContext& context);

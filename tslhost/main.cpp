@@ -48,6 +48,7 @@ ExitCode Run() {
     AddTakeCommand(app, context);
     AddDeleteCommand(app, context);
     AddMoveCommand(app, context);
+    AddRecoverCommand(app, context);
     AddResetCommand(app, context);
     AddPluginsCommand(app, context);
     AddWhoamiCommand(app, context);
