@@ -31,6 +31,7 @@ void AddManualCommand(CLI::App& app, CommandContext& context);
 void AddMoveCommand(CLI::App& app, CommandContext& context);
 void AddPluginsCommand(CLI::App& app, CommandContext& context);
 void AddRecordCommand(CLI::App& app, CommandContext& context);
+void AddRecoverCommand(CLI::App& app, CommandContext& context);
 void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddRestoreCommand(CLI::App& app, CommandContext& context);
 void AddShowCommand(CLI::App& app, CommandContext& context);

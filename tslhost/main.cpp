@@ -76,7 +76,8 @@ ExitCode Run() {
                 {AddListCommand, AddShowCommand, AddIdsCommand, AddAllCommand, AddTakeCommand,
                  AddDeleteCommand, AddFollowCommand});
     AddCommands(app, context, "The store",
-                {AddDoctorCommand, AddBackupCommand, AddRestoreCommand, AddCompactCommand});
+                {AddDoctorCommand, AddBackupCommand, AddRestoreCommand, AddRecoverCommand,
+                 AddCompactCommand});
     AddCommands(app, context, "The machine",
                 {AddPluginsCommand, AddWhoamiCommand, AddManualCommand});
     app.footer(kFooter); // now: commands would have taken it over

@@ -85,6 +85,17 @@ CQuery& CQuery::BindNull() {
     return *this;
 }
 
+CQuery& CQuery::BindValue(const StoredValue& value) {
+    if (const auto* const number = std::get_if<INT64>(&value)) return Bind(*number);
+    if (const auto* const real = std::get_if<double>(&value)) return Bind(*real);
+    if (const auto* const text = std::get_if<std::string>(&value)) return Bind(*text);
+    const auto* const blob = std::get_if<BlobValue>(&value);
+    if (!blob) return BindNull();
+    Require(sqlite3_bind_blob(m_statement, ++m_bound, blob->bytes.data(),
+                              static_cast<int>(blob->bytes.size()), SQLITE_TRANSIENT));
+    return *this;
+}
+
 bool CQuery::Step() {
     const int result = sqlite3_step(m_statement);
     if (result != SQLITE_ROW && result != SQLITE_DONE) Require(result);
@@ -103,6 +114,29 @@ INT64 CQuery::Int64(int column) const {
 
 double CQuery::Double(int column) const {
     return sqlite3_column_double(m_statement, column);
+}
+
+StoredValue CQuery::Value(int column) const {
+    switch (sqlite3_column_type(m_statement, column)) {
+    case SQLITE_INTEGER:
+        return Int64(column);
+    case SQLITE_FLOAT:
+        return Double(column);
+    case SQLITE_TEXT:
+        return Text(column).value_or(std::string());
+    case SQLITE_BLOB: {
+        const auto* const bytes =
+            static_cast<const char*>(sqlite3_column_blob(m_statement, column));
+        const auto size = static_cast<size_t>(sqlite3_column_bytes(m_statement, column));
+        return BlobValue{bytes ? std::string(bytes, size) : std::string()};
+    }
+    default:
+        return {};
+    }
+}
+
+int CQuery::ColumnCount() const {
+    return sqlite3_column_count(m_statement);
 }
 
 std::optional<std::string> CQuery::Text(int column) const {

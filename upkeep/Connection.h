@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "upkeep/StoredValue.h"
+
 struct sqlite3;
 struct sqlite3_stmt;
 
@@ -60,6 +62,8 @@ public:
     CQuery& Bind(double value);
     CQuery& Bind(const std::string& value);
     CQuery& BindNull();
+    // Of whatever kind it is, byte for byte.
+    CQuery& BindValue(const StoredValue& value);
 
     // Whether there is another row.
     bool Step();
@@ -72,6 +76,9 @@ public:
     std::optional<std::string> Text(int column) const;
     // UTF-16, whatever the bytes in the file are; empty for NULL.
     std::wstring WideText(int column) const;
+    // As it is stored.
+    StoredValue Value(int column) const;
+    int ColumnCount() const;
 
 private:
     void Require(int result) const;
