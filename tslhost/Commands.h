@@ -28,6 +28,8 @@ void AddDeleteCommand(CLI::App& app, CommandContext& context);
 void AddMoveCommand(CLI::App& app, CommandContext& context);
 void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddPluginsCommand(CLI::App& app, CommandContext& context);
+void AddReportCommand(CLI::App& app, CommandContext& context);
+void AddStatsCommand(CLI::App& app, CommandContext& context);
 void AddWhoamiCommand(CLI::App& app, CommandContext& context);
 
 } // namespace tsl

@@ -50,6 +50,8 @@ ExitCode Run() {
     AddMoveCommand(app, context);
     AddResetCommand(app, context);
     AddPluginsCommand(app, context);
+    AddReportCommand(app, context);
+    AddStatsCommand(app, context);
     AddWhoamiCommand(app, context);
     try {
         app.parse(ReversedArguments());
