@@ -32,9 +32,11 @@ void AddMoveCommand(CLI::App& app, CommandContext& context);
 void AddPluginsCommand(CLI::App& app, CommandContext& context);
 void AddRecordCommand(CLI::App& app, CommandContext& context);
 void AddRecoverCommand(CLI::App& app, CommandContext& context);
+void AddReportCommand(CLI::App& app, CommandContext& context);
 void AddResetCommand(CLI::App& app, CommandContext& context);
 void AddRestoreCommand(CLI::App& app, CommandContext& context);
 void AddShowCommand(CLI::App& app, CommandContext& context);
+void AddStatsCommand(CLI::App& app, CommandContext& context);
 void AddTakeCommand(CLI::App& app, CommandContext& context);
 void AddWhoamiCommand(CLI::App& app, CommandContext& context);
 

@@ -77,7 +77,7 @@ ExitCode Run() {
                  AddDeleteCommand, AddFollowCommand});
     AddCommands(app, context, "The store",
                 {AddDoctorCommand, AddBackupCommand, AddRestoreCommand, AddRecoverCommand,
-                 AddCompactCommand});
+                 AddCompactCommand, AddStatsCommand, AddReportCommand});
     AddCommands(app, context, "The machine",
                 {AddPluginsCommand, AddWhoamiCommand, AddManualCommand});
     app.footer(kFooter); // now: commands would have taken it over
