@@ -8,7 +8,7 @@
 #include "console/Text.h"
 #include "tslhost/Commands.h"
 #include "tslhost/UpkeepOutput.h"
-#include "upkeep/Backup.h"
+#include "upkeep/backup/Backup.h"
 
 namespace tsl {
 

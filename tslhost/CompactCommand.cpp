@@ -5,8 +5,8 @@
 #include "console/Text.h"
 #include "tslhost/Commands.h"
 #include "tslhost/UpkeepOutput.h"
-#include "upkeep/Compact.h"
 #include "upkeep/StoreFiles.h"
+#include "upkeep/backup/Compact.h"
 
 namespace tsl {
 

@@ -6,7 +6,7 @@
 #include "console/Text.h"
 #include "console/WordWrap.h"
 #include "tslhost/Commands.h"
-#include "upkeep/Doctor.h"
+#include "upkeep/doctor/Doctor.h"
 
 namespace tsl {
 

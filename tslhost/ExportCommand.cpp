@@ -12,7 +12,7 @@
 #include "console/StorePlace.h"
 #include "console/WholeFile.h"
 #include "tslhost/Commands.h"
-#include "upkeep/RecordOwners.h"
+#include "upkeep/transfer/RecordOwners.h"
 
 namespace tsl {
 

@@ -7,7 +7,7 @@
 #include "console/RecordOutput.h"
 #include "console/StorePlace.h"
 #include "tslhost/Commands.h"
-#include "upkeep/RecordFeed.h"
+#include "upkeep/transfer/RecordFeed.h"
 
 namespace tsl {
 

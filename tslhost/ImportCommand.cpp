@@ -13,7 +13,7 @@
 #include "console/Text.h"
 #include "tslhost/ActionLines.h"
 #include "tslhost/Commands.h"
-#include "upkeep/KeepIdsImport.h"
+#include "upkeep/transfer/KeepIdsImport.h"
 
 namespace tsl {
 

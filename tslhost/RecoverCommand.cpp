@@ -6,8 +6,8 @@
 #include "console/Output.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
-#include "upkeep/Recovery.h"
 #include "upkeep/StoreLock.h"
+#include "upkeep/recovery/Recovery.h"
 
 namespace tsl {
 

@@ -11,7 +11,7 @@
 #include "console/StorePlace.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
-#include "upkeep/ReportPage.h"
+#include "upkeep/statistics/ReportPage.h"
 
 namespace tsl {
 

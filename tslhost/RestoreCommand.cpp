@@ -6,7 +6,7 @@
 #include "console/Text.h"
 #include "tslhost/Commands.h"
 #include "tslhost/UpkeepOutput.h"
-#include "upkeep/Restore.h"
+#include "upkeep/backup/Restore.h"
 
 namespace tsl {
 

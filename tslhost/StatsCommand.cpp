@@ -5,7 +5,7 @@
 #include "console/Numbers.h"
 #include "console/Output.h"
 #include "tslhost/Commands.h"
-#include "upkeep/StatisticsOutput.h"
+#include "upkeep/statistics/StatisticsOutput.h"
 
 namespace tsl {
 

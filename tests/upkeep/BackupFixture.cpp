@@ -2,7 +2,7 @@
 
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Backup.h"
+#include "upkeep/backup/Backup.h"
 
 namespace tsl::test {
 

@@ -2,9 +2,9 @@
 #include "tests/hostile_input/Mutation.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/FreeList.h"
-#include "upkeep/LeafRows.h"
-#include "upkeep/TableRoots.h"
+#include "upkeep/recovery/FreeList.h"
+#include "upkeep/recovery/LeafRows.h"
+#include "upkeep/recovery/TableRoots.h"
 
 namespace tsl::test {
 

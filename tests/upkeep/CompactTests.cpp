@@ -6,7 +6,7 @@
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Compact.h"
+#include "upkeep/backup/Compact.h"
 
 namespace tsl::test {
 

@@ -2,7 +2,7 @@
 #include "tests/support/FileDatabase.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DoctorFixture.h"
-#include "upkeep/DatabaseCheck.h"
+#include "upkeep/doctor/DatabaseCheck.h"
 
 namespace tsl::test {
 

@@ -1,7 +1,7 @@
 // What an examination says of the registration, the component and the engine.
 #include "tests/registration/RegistrationFixture.h"
 #include "tests/upkeep/DoctorFixture.h"
-#include "upkeep/InstallationCheck.h"
+#include "upkeep/doctor/InstallationCheck.h"
 
 namespace tsl::test {
 

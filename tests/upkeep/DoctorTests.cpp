@@ -8,7 +8,7 @@
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DoctorFixture.h"
-#include "upkeep/LockCheck.h"
+#include "upkeep/doctor/LockCheck.h"
 
 namespace tsl::test {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "tests/support/StoreFixture.h"
-#include "upkeep/Doctor.h"
+#include "upkeep/doctor/Doctor.h"
 
 namespace tsl::test {
 

@@ -1,10 +1,10 @@
 // Numbers, days and bins as people read them.
-#include "upkeep/Figures.h"
+#include "upkeep/statistics/Figures.h"
 
 #include <gtest/gtest.h>
 
-#include "upkeep/Calendar.h"
-#include "upkeep/TimeBins.h"
+#include "upkeep/statistics/Calendar.h"
+#include "upkeep/statistics/TimeBins.h"
 
 namespace tsl::test {
 

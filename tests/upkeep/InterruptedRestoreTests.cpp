@@ -5,8 +5,8 @@
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/ImportHook.h"
 #include "tests/upkeep/BackupFixture.h"
-#include "upkeep/Restore.h"
 #include "upkeep/StoreFiles.h"
+#include "upkeep/backup/Restore.h"
 
 namespace tsl::test {
 

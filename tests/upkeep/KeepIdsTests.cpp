@@ -5,7 +5,7 @@
 #include "tests/support/FullForm.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/KeepIds.h"
-#include "upkeep/RecordFeed.h"
+#include "upkeep/transfer/RecordFeed.h"
 
 namespace tsl::test {
 

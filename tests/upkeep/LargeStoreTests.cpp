@@ -2,9 +2,9 @@
 #include "tests/support/FullForm.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
-#include "upkeep/Backup.h"
-#include "upkeep/Compact.h"
-#include "upkeep/Restore.h"
+#include "upkeep/backup/Backup.h"
+#include "upkeep/backup/Compact.h"
+#include "upkeep/backup/Restore.h"
 
 namespace tsl::test {
 

@@ -3,7 +3,7 @@
 #include "tests/support/FullForm.h"
 #include "tests/support/StoreFixture.h"
 #include "tests/upkeep/BackupFixture.h"
-#include "upkeep/Manifest.h"
+#include "upkeep/backup/Manifest.h"
 
 namespace tsl::test {
 

@@ -8,7 +8,7 @@
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
-#include "upkeep/RecordFeed.h"
+#include "upkeep/transfer/RecordFeed.h"
 
 namespace tsl::test {
 

@@ -3,7 +3,7 @@
 
 #include "tests/hostile_input/Chance.h"
 #include "tests/support/StoreFixture.h"
-#include "upkeep/Record.h"
+#include "upkeep/recovery/Record.h"
 
 namespace tsl::test {
 

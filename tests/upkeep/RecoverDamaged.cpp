@@ -6,7 +6,7 @@
 #include <iostream>
 
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Recovery.h"
+#include "upkeep/recovery/Recovery.h"
 
 namespace tsl::test {
 

@@ -5,7 +5,7 @@
 
 #include "tests/support/FileDatabase.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Recovery.h"
+#include "upkeep/recovery/Recovery.h"
 
 namespace tsl::test {
 

@@ -5,7 +5,7 @@
 #include "base/Handle.h"
 #include "console/Failure.h"
 #include "tests/support/StoreChecks.h"
-#include "upkeep/FileReplacement.h"
+#include "upkeep/recovery/FileReplacement.h"
 
 namespace tsl::test {
 

@@ -1,5 +1,5 @@
 // The colours of the report can be told apart, light, dark and printed.
-#include "upkeep/ReportStyle.h"
+#include "upkeep/statistics/ReportStyle.h"
 
 #include <gtest/gtest.h>
 

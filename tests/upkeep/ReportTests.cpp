@@ -5,9 +5,9 @@
 #include "tests/support/FileDatabase.h"
 #include "tests/upkeep/DamagedStore.h"
 #include "tests/upkeep/Markup.h"
-#include "upkeep/Calendar.h"
-#include "upkeep/Figures.h"
-#include "upkeep/ReportPage.h"
+#include "upkeep/statistics/Calendar.h"
+#include "upkeep/statistics/Figures.h"
+#include "upkeep/statistics/ReportPage.h"
 
 namespace tsl::test {
 

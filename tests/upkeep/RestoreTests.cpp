@@ -6,7 +6,7 @@
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Restore.h"
+#include "upkeep/backup/Restore.h"
 
 namespace tsl::test {
 

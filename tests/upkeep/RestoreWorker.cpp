@@ -9,7 +9,7 @@
 #include "base/LocalMemory.h"
 #include "console/Failure.h"
 #include "tests/support/ImportHook.h"
-#include "upkeep/Restore.h"
+#include "upkeep/backup/Restore.h"
 
 namespace {
 

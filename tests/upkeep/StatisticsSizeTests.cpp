@@ -8,8 +8,8 @@
 #include "tests/support/FileDatabase.h"
 #include "tests/support/FullForm.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Statistics.h"
 #include "upkeep/StoreLock.h"
+#include "upkeep/statistics/Statistics.h"
 
 namespace tsl::test {
 

@@ -1,5 +1,5 @@
 // The figures of a store, beside what SQLite and the files themselves say.
-#include "upkeep/Statistics.h"
+#include "upkeep/statistics/Statistics.h"
 
 #include <gmock/gmock.h>
 
@@ -8,7 +8,7 @@
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DamagedStore.h"
-#include "upkeep/Calendar.h"
+#include "upkeep/statistics/Calendar.h"
 
 namespace tsl {
 

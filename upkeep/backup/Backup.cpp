@@ -1,0 +1,210 @@
+#include "upkeep/backup/Backup.h"
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <vector>
+
+#include "base/Hresult.h"
+#include "console/Failure.h"
+#include "console/IsoTime.h"
+#include "console/Text.h"
+#include "upkeep/Connection.h"
+#include "upkeep/StoreFiles.h"
+#include "upkeep/StoreLock.h"
+#include "upkeep/WholeDatabase.h"
+
+namespace tsl {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kCannot[] = "cannot back up";
+
+// The folder of a backup that is being made; goes with what was put into it unless it is kept.
+class CNewBackup {
+public:
+    explicit CNewBackup(const std::wstring& folder) : m_folder(folder) {
+        std::error_code error;
+        const bool there = IsThere(folder);
+        if (there && !(fs::is_directory(m_folder, error) && fs::is_empty(m_folder, error)))
+            throw CFailure(ExitCode::Usage, ToUtf8(folder) + " is no empty folder");
+        fs::create_directories(m_folder, error);
+        if (!IsThere(folder))
+            throw CFailure(ExitCode::Denied,
+                           "cannot make " + ToUtf8(folder) + ": " + error.message());
+        m_made = !there;
+    }
+    CNewBackup(const CNewBackup&) = delete;
+    CNewBackup& operator=(const CNewBackup&) = delete;
+    ~CNewBackup() {
+        if (m_kept) return;
+        for (const StoreFile& file : kStoreFiles) {
+            Remove(file.name);
+            Remove(JournalOf(file.name));
+        }
+        Remove(kManifestName);
+        Remove(kManifestName + std::wstring(L".new"));
+        if (m_made) RemoveDirectoryW(m_folder.c_str());
+    }
+
+    void Keep() noexcept { m_kept = true; }
+
+private:
+    void Remove(const std::wstring& name) const { DeleteFileW((m_folder / name).c_str()); }
+
+    fs::path m_folder;
+    bool m_made = false;
+    bool m_kept = false;
+};
+
+// A database as it is when this is made, whatever comes into it later. One that was left with a
+// journal is first put back to before the interrupted change, as each host does.
+class CSnapshot {
+public:
+    explicit CSnapshot(const std::wstring& path) : m_path(path), m_connection(Open(path)) {}
+
+    void CopyTo(const std::wstring& path, const Progress& progress) const {
+        const std::unique_ptr<CConnection> copy = Make(path);
+        try {
+            CopyPages(*copy, progress);
+        } catch (const CSqliteError& error) {
+            throw FailureOf(kCannot, m_path, error);
+        }
+    }
+
+private:
+    static std::unique_ptr<CConnection> Open(const std::wstring& path) {
+        try {
+            auto connection = std::make_unique<CConnection>(path, Access::ReadWrite);
+            // Of effect in a file that is still empty. The query begins the transaction.
+            connection->Execute("PRAGMA page_size = 2048; BEGIN; SELECT 1 FROM sqlite_master");
+            return connection;
+        } catch (const CSqliteError& error) {
+            throw FailureOf(kCannot, path, error);
+        }
+    }
+
+    static std::unique_ptr<CConnection> Make(const std::wstring& path) {
+        try {
+            auto copy = std::make_unique<CConnection>(path, Access::Create);
+            // It is brought to the disk when the locks are given back.
+            copy->Execute("PRAGMA synchronous = OFF; PRAGMA journal_mode = OFF");
+            return copy;
+        } catch (const CSqliteError& error) {
+            throw FailureOf("cannot make", path, error);
+        }
+    }
+
+    void CopyPages(const CConnection& copy, const Progress& progress) const {
+        sqlite3_backup* const backup =
+            sqlite3_backup_init(copy.Get(), "main", m_connection->Get(), "main");
+        if (!backup) throw CSqliteError(SQLITE_MISUSE, sqlite3_errmsg(copy.Get()));
+        const auto pageSize = static_cast<UINT64>(m_connection->Number("PRAGMA page_size"));
+        const std::string what = "copying " + ToUtf8(NameOf(m_path));
+        int step = SQLITE_OK;
+        while (step == SQLITE_OK) {
+            constexpr int kPagesAtOnce = 1000;
+            step = sqlite3_backup_step(backup, kPagesAtOnce);
+            const auto all = static_cast<UINT64>(sqlite3_backup_pagecount(backup));
+            const auto left = static_cast<UINT64>(sqlite3_backup_remaining(backup));
+            progress(what, (all - left) * pageSize, all * pageSize);
+        }
+        sqlite3_backup_finish(backup);
+        if (step != SQLITE_DONE) throw CSqliteError(step, sqlite3_errmsg(copy.Get()));
+    }
+
+    std::wstring m_path;
+    std::unique_ptr<CConnection> m_connection;
+};
+
+// Both databases are fixed before the counter is read: no id of theirs is above it, even where a
+// host has given up waiting for the locks.
+void CopyUnderLocks(const StorePaths& store, const StorePaths& copies, const Progress& progress) {
+    const CStoreLocks locks;
+    const CUserIdListLock userIdListLock;
+    std::vector<std::pair<CSnapshot, const StoreFile*>> snapshots;
+    for (const StoreFile& file : kStoreFiles) {
+        const std::wstring& path = file.In(store);
+        if (!IsThere(path)) continue;
+        if (file.isDatabase) {
+            snapshots.emplace_back(CSnapshot(path), &file);
+        } else {
+            CopyAndSum(path, file.In(copies), progress);
+        }
+    }
+    for (const auto& [snapshot, file] : snapshots)
+        snapshot.CopyTo(file->In(copies), progress);
+}
+
+void Flush(const std::wstring& path) {
+    const CHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, /*shareMode=*/0,
+                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
+    if (!file || !FlushFileBuffers(file.Get()))
+        throw CFailure("cannot write", path, HresultFromLastError());
+}
+
+// The rows of each table that a component has made.
+void CountRows(const CConnection& connection, BackupManifest& manifest) {
+    for (const wchar_t* const table :
+         {kActionLogTable, kContentDeleteTable, kReplayTable, kRecordIdTable}) {
+        const std::string name = ToUtf8(TableName(kTablePrefix, table));
+        CQuery known(connection, "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = ?");
+        if (known.Bind(name).Step())
+            manifest.rows.emplace_back(name, connection.Number("SELECT COUNT(*) FROM " + name));
+    }
+}
+
+// path is where the database comes from, for the messages.
+void CheckCopy(const std::wstring& copy, const std::wstring& path, BackupManifest& manifest) {
+    Flush(copy);
+    try {
+        const CConnection connection(copy, Access::ReadOnly);
+        RequireWhole(connection, path);
+        CountRows(connection, manifest);
+    } catch (const CSqliteError& error) {
+        throw FailureOf(kCannot, path, error);
+    }
+}
+
+std::string Now() {
+    SYSTEMTIME now{};
+    GetSystemTime(&now);
+    now.wMilliseconds = 0;
+    DATE time = 0;
+    SystemTimeToVariantTime(&now, &time);
+    return FormatIsoTime(time);
+}
+
+} // namespace
+
+BackupManifest BackUpStore(const StorePaths& store, const std::wstring& folder,
+                           const std::string& maker, const Progress& progress) {
+    const StorePaths copies = StoreIn(folder);
+    CNewBackup backup(folder);
+    BackupManifest manifest;
+    manifest.time = Now();
+    manifest.maker = maker;
+    CopyUnderLocks(store, copies, progress);
+    for (const StoreFile& file : kStoreFiles) {
+        const std::wstring& copy = file.In(copies);
+        const std::string name = ToUtf8(file.name);
+        if (!IsThere(copy)) {
+            manifest.absent.push_back(name);
+            continue;
+        }
+        if (file.isDatabase) CheckCopy(copy, file.In(store), manifest);
+        manifest.files.push_back({name, SumOfFile(copy, progress)});
+    }
+    if (manifest.files.empty())
+        throw CFailure(ExitCode::NothingFound, "there is no store to back up");
+    UINT32 counter = 0;
+    if (SUCCEEDED(ReadCounter(copies.counter, counter))) manifest.counter = counter;
+    WriteManifest(folder, manifest);
+    backup.Keep();
+    return manifest;
+}
+
+} // namespace tsl

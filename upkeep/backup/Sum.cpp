@@ -1,0 +1,130 @@
+#include "upkeep/backup/Sum.h"
+
+#include <bcrypt.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include "base/Handle.h"
+#include "base/Hresult.h"
+#include "console/Failure.h"
+#include "console/Text.h"
+#include "upkeep/StoreFiles.h"
+
+namespace tsl {
+
+namespace {
+
+constexpr DWORD kBlockSize = 1 << 20;
+
+void RequireDone(NTSTATUS status) {
+    if (status < 0) {
+        throw CFailure(ExitCode::Denied, "the system gives no SHA-256 sums: " +
+                                             DescribeResult(HRESULT_FROM_NT(status)));
+    }
+}
+
+struct ProviderDeleter {
+    void operator()(void* provider) const noexcept { BCryptCloseAlgorithmProvider(provider, 0); }
+};
+struct HashDeleter {
+    void operator()(void* hash) const noexcept { BCryptDestroyHash(hash); }
+};
+
+// A sum that grows with what is added.
+class CSha256 {
+public:
+    CSha256() {
+        void* made = nullptr;
+        RequireDone(BCryptOpenAlgorithmProvider(&made, BCRYPT_SHA256_ALGORITHM,
+                                                /*implementation=*/nullptr, /*flags=*/0));
+        m_provider.reset(made);
+        RequireDone(BCryptCreateHash(made, &made, /*hashObject=*/nullptr, 0, /*secret=*/nullptr, 0,
+                                     /*flags=*/0));
+        m_hash.reset(made);
+    }
+
+    void Add(const void* bytes, size_t size) {
+        auto* const first = static_cast<UCHAR*>(const_cast<void*>(bytes)); // is not written
+        RequireDone(BCryptHashData(m_hash.get(), first, static_cast<ULONG>(size), /*flags=*/0));
+    }
+
+    // Ends the sum.
+    std::string Hexadecimal() {
+        std::array<UCHAR, 32> sum{};
+        RequireDone(BCryptFinishHash(m_hash.get(), sum.data(), sum.size(), /*flags=*/0));
+        std::string text;
+        for (const UCHAR byte : sum) {
+            text += "0123456789abcdef"[byte >> 4];
+            text += "0123456789abcdef"[byte & 0xF];
+        }
+        return text;
+    }
+
+private:
+    std::unique_ptr<void, ProviderDeleter> m_provider;
+    std::unique_ptr<void, HashDeleter> m_hash;
+};
+
+CHandle Open(const char* operation, const std::wstring& path, DWORD access, DWORD disposition) {
+    CHandle file(CreateFileW(path.c_str(), access, FILE_SHARE_READ, /*securityAttributes=*/nullptr,
+                             disposition, FILE_FLAG_SEQUENTIAL_SCAN, /*templateFile=*/nullptr));
+    if (!file) throw CFailure(operation, path, HresultFromLastError());
+    return file;
+}
+
+// Hands the blocks of a file to take and sums them.
+template <class Take>
+FileSum ReadBlocks(const std::wstring& path, const char* doing, const Progress& progress,
+                   const Take& take) {
+    const CHandle file = Open("cannot read", path, GENERIC_READ, OPEN_EXISTING);
+    LARGE_INTEGER whole{};
+    GetFileSizeEx(file.Get(), &whole);
+    const std::string what = doing + ToUtf8(NameOf(path));
+    std::vector<std::byte> block(kBlockSize);
+    CSha256 sum;
+    FileSum result;
+    for (;;) {
+        DWORD read = 0;
+        if (!ReadFile(file.Get(), block.data(), kBlockSize, &read, /*overlapped=*/nullptr))
+            throw CFailure("cannot read", path, HresultFromLastError());
+        if (read == 0) break;
+        sum.Add(block.data(), read);
+        take(block.data(), read);
+        result.size += read;
+        progress(what, result.size, static_cast<UINT64>(whole.QuadPart));
+    }
+    result.sha256 = sum.Hexadecimal();
+    return result;
+}
+
+} // namespace
+
+std::string Sha256Of(std::string_view bytes) {
+    CSha256 sum;
+    sum.Add(bytes.data(), bytes.size());
+    return sum.Hexadecimal();
+}
+
+FileSum SumOfFile(const std::wstring& path, const Progress& progress) {
+    return ReadBlocks(path, "summing ", progress, [](const std::byte*, DWORD) {});
+}
+
+FileSum CopyAndSum(const std::wstring& from, const std::wstring& to, const Progress& progress) {
+    const CHandle copy = Open("cannot make", to, GENERIC_WRITE, CREATE_ALWAYS);
+    const auto require = [&](bool done) {
+        if (!done) throw CFailure("cannot write", to, HresultFromLastError());
+    };
+    const FileSum sum =
+        ReadBlocks(from, "copying ", progress, [&](const std::byte* block, DWORD size) {
+            DWORD written = 0;
+            require(WriteFile(copy.Get(), block, size, &written, /*overlapped=*/nullptr) != 0);
+        });
+    require(FlushFileBuffers(copy.Get()) != 0);
+    return sum;
+}
+
+} // namespace tsl

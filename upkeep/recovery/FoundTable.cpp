@@ -1,0 +1,88 @@
+#include "upkeep/recovery/FoundTable.h"
+
+#include <sqlite3.h>
+
+#include <utility>
+
+namespace tsl {
+
+namespace {
+
+// The columns of a row in the temporary table, which take every kind of value as it is.
+std::string Values() {
+    std::string text;
+    for (size_t index = 0; index < kActionColumns.size(); ++index)
+        text.append(index == 0 ? "v" : ",v").append(std::to_string(index));
+    return text;
+}
+
+std::string InsertText(const std::string& found) {
+    std::string text =
+        "INSERT INTO " + found + " (row, source, whole, " + Values() + ") VALUES (?,?,?";
+    for (size_t index = 0; index < kActionColumns.size(); ++index)
+        text += ",?";
+    return text + ')';
+}
+
+bool IsFound(CQuery& query) {
+    const bool isFound = query.Step();
+    query.Reset();
+    return isFound;
+}
+
+} // namespace
+
+CFoundTable::CFoundTable(const CConnection& fresh, std::string table)
+    : m_fresh(fresh), m_table(std::move(table)), m_found("temp.found_" + m_table) {
+    const std::string index = "CREATE INDEX " + m_found;
+    const std::string on = " ON found_" + m_table;
+    m_fresh.Execute("CREATE TABLE " + m_found +
+                    " (place INTEGER PRIMARY KEY, row, source, whole, " + Values() + ");" + index +
+                    "_rows" + on + " (row);" + index + "_ids" + on + " (v0)");
+    m_insert.emplace(m_fresh, InsertText(m_found));
+    m_sameRow.emplace(m_fresh, "SELECT 1 FROM " + m_found + " WHERE row = ? AND +v0 IS ?");
+    m_sameRecord.emplace(m_fresh, "SELECT 1 FROM " + m_found + " WHERE v0 IS ?");
+}
+
+bool CFoundTable::Add(const StoredRow& row, RowSource source) {
+    if (HasRow(row)) return false;
+    m_insert->Bind(row.rowId).Bind(static_cast<INT64>(source)).Bind(INT64{row.whole});
+    for (const StoredValue& value : row.values)
+        m_insert->BindValue(value);
+    m_insert->Step();
+    m_insert->Reset();
+    return true;
+}
+
+bool CFoundTable::HasRow(const StoredRow& row) {
+    return IsFound(m_sameRow->Bind(row.rowId).BindValue(row.values[kActionLogIdIndex]));
+}
+
+bool CFoundTable::HasRecord(const StoredRow& row) {
+    return IsFound(m_sameRecord->BindValue(row.values[kActionLogIdIndex]));
+}
+
+UINT64 CFoundTable::Execute(const std::string& statement) const {
+    m_fresh.Execute(statement);
+    return static_cast<UINT64>(sqlite3_changes64(m_fresh.Get()));
+}
+
+SavedRows CFoundTable::Write(UINT32 highestHandedOut) {
+    SavedRows saved;
+    const std::string isId = "typeof(v0) = 'integer'";
+    saved.unbelievable = Execute(
+        "DELETE FROM " + m_found + " WHERE NOT whole AND v0 > " + std::to_string(highestHandedOut) +
+        " AND v0 > (SELECT ifnull(max(v0), 0) FROM " + m_found + " WHERE whole AND " + isId + ")");
+    saved.superseded =
+        Execute("DELETE FROM " + m_found +
+                " WHERE place IN (SELECT place FROM (SELECT place, row_number() "
+                "OVER (PARTITION BY v0 ORDER BY whole DESC, row DESC, source, place) AS nth FROM " +
+                m_found + " WHERE " + isId + ") WHERE nth > 1)");
+    saved.incomplete =
+        static_cast<UINT64>(m_fresh.Number("SELECT count(*) FROM " + m_found + " WHERE NOT whole"));
+    saved.saved = Execute("INSERT INTO main." + m_table + " SELECT " + Values() + " FROM " +
+                          m_found + " ORDER BY row, place");
+    return saved;
+}
+
+} // namespace tsl

@@ -1,0 +1,187 @@
+#include "upkeep/statistics/FetchedRows.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+
+#include "console/Failure.h"
+#include "console/Text.h"
+#include "store/Schema.h"
+#include "upkeep/StoreLock.h"
+#include "upkeep/statistics/Calendar.h"
+
+namespace tsl {
+
+namespace {
+
+// The copy has the name of the table, in the database of temporary tables.
+std::string CopyOf(std::wstring_view table) {
+    return "temp." + ToUtf8(TableName(kTablePrefix, table));
+}
+
+// Times that are dates from 1900 to 9999, else NULL: texts and blobs are above every number.
+constexpr char kTimeIfDate[] =
+    "CASE WHEN PluginLoggedTime >= 2.0 AND PluginLoggedTime < 2958466.0 THEN PluginLoggedTime END";
+
+// Whole hours since 30 December 1899. A third of a millisecond is added, for the times of full
+// hours are stored a little too low.
+constexpr char kHour[] = "MIN(CAST(PluginLoggedTime * 24.0 + 1e-7 AS INTEGER), 71003183)";
+
+std::optional<std::int64_t> NumberIn(const CQuery& query, int column) {
+    const std::int64_t number = query.Int64(column);
+    return query.Text(column) ? std::optional(number) : std::nullopt;
+}
+
+std::optional<double> TimeIn(const CQuery& query, int column) {
+    const double time = query.Double(column);
+    return query.Text(column) ? std::optional(time) : std::nullopt;
+}
+
+// With U+FFFD for what is no UTF-8.
+std::string ValidUtf8(const std::string& text) {
+    const int length = static_cast<int>(text.size());
+    std::wstring wide(text.size(), L'\0'); // never longer
+    const int converted = MultiByteToWideChar(CP_UTF8, /*flags=*/0, text.data(), length,
+                                              wide.data(), static_cast<int>(wide.size()));
+    wide.resize(static_cast<size_t>(converted));
+    return ToUtf8(wide);
+}
+
+ExitCode ExitCodeFor(const CSqliteError& error) {
+    switch (error.Result()) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return ExitCode::Locked;
+    case SQLITE_ERROR: // a column is missing
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return ExitCode::Damaged;
+    default:
+        return ExitCode::Denied;
+    }
+}
+
+CFailure FailureOf(const CSqliteError& error, const std::wstring& path) {
+    // Whoever only reads may not undo what is left of a change.
+    const bool interrupted = error.Result() == SQLITE_READONLY;
+    return CFailure(ExitCodeFor(error),
+                    "cannot read " + ToUtf8(path) + ": " +
+                        (interrupted ? "a change to it was interrupted; tslhost list undoes it"
+                                     : error.what()));
+}
+
+} // namespace
+
+bool CFetchedRows::Fetch(const std::wstring& path,
+                         std::initializer_list<std::wstring_view> tables) {
+    std::error_code missing;
+    if (!std::filesystem::exists(path, missing)) return false;
+    try {
+        Open(path);
+        for (const std::wstring_view table : tables)
+            FetchTable(ToUtf8(TableName(kTablePrefix, table)));
+    } catch (const CSqliteError& error) {
+        throw FailureOf(error, path);
+    }
+    return true;
+}
+
+void CFetchedRows::Open(const std::wstring& path) {
+    const CDatabaseLock lock;
+    m_connection.emplace(path, Access::ReadOnly);
+    m_connection->Execute("PRAGMA temp_store = MEMORY");
+    m_pages = m_connection->Number("PRAGMA main.page_count");
+    m_freePages = m_connection->Number("PRAGMA main.freelist_count");
+}
+
+void CFetchedRows::FetchTable(const std::string& name) {
+    if (!PrepareTable(name)) return;
+    while (FetchPortion(name)) {
+    }
+}
+
+// False when the file has no such table.
+bool CFetchedRows::PrepareTable(const std::string& name) {
+    const CDatabaseLock lock;
+    CQuery schema(*m_connection,
+                  "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE "
+                  "NOCASE");
+    if (!schema.Bind(name).Step()) return false;
+    m_connection->Execute("CREATE TEMP TABLE " + name +
+                          " (ActionLogId, UserId, AppId, ActionName, PluginLoggedTime)");
+    return true;
+}
+
+// Rows keep their numbers, so that it is known where to go on. False when there is no other row.
+bool CFetchedRows::FetchPortion(const std::string& name) {
+    constexpr INT64 kPortion = 10'000;
+    const INT64 last =
+        m_connection->Number("SELECT ifnull(MAX(rowid), -9223372036854775807) FROM temp." + name);
+    const CDatabaseLock lock;
+    CQuery copy(*m_connection,
+                "INSERT INTO temp." + name +
+                    " (rowid, ActionLogId, UserId, AppId, ActionName, PluginLoggedTime) SELECT "
+                    "rowid, ActionLogId, UserId, AppId, ActionName, " +
+                    kTimeIfDate + " FROM main." + name +
+                    " WHERE rowid > ?1 ORDER BY rowid LIMIT ?2");
+    copy.Bind(last).Bind(kPortion).Step();
+    return m_connection->Number("SELECT changes()") == kPortion;
+}
+
+bool CFetchedRows::HasFetched(std::wstring_view table) const {
+    if (!m_connection) return false;
+    CQuery schema(*m_connection, "SELECT 1 FROM temp.sqlite_schema WHERE name = ?1");
+    return schema.Bind(ToUtf8(TableName(kTablePrefix, table))).Step();
+}
+
+TableFigures CFetchedRows::CountTable(std::wstring_view table) const {
+    TableFigures figures;
+    figures.name = ToUtf8(TableName(kTablePrefix, table));
+    if (!HasFetched(table)) return figures;
+    CQuery query(*m_connection,
+                 "SELECT COUNT(*), COUNT(*) - COUNT(PluginLoggedTime), MIN(ActionLogId), "
+                 "MAX(ActionLogId), MIN(PluginLoggedTime), MAX(PluginLoggedTime) FROM " +
+                     CopyOf(table));
+    query.Step();
+    figures.records = query.Int64(0);
+    figures.undated = query.Int64(1);
+    figures.firstId = NumberIn(query, 2);
+    figures.lastId = NumberIn(query, 3);
+    figures.firstTime = TimeIn(query, 4);
+    figures.lastTime = TimeIn(query, 5);
+    return figures;
+}
+
+void CFetchedRows::CountRecords(std::wstring_view table, StoreFigures& figures) const {
+    if (!HasFetched(table)) return;
+    const std::string rows = CopyOf(table);
+    figures.users = CountBy(kUserIdColumn, rows);
+    figures.applications = CountBy(kActionColumns[kAppIdIndex].name, rows);
+    figures.actions = CountBy(kActionNameColumn, rows);
+    CountByHour(rows, figures);
+}
+
+std::vector<Tally> CFetchedRows::CountBy(std::wstring_view column, const std::string& rows) const {
+    std::vector<Tally> tallies;
+    CQuery query(*m_connection, "SELECT ifnull(" + ToUtf8(column) + ", ''), COUNT(*) FROM " + rows +
+                                    " GROUP BY 1 ORDER BY 2 DESC, 1");
+    while (query.Step())
+        tallies.push_back({ValidUtf8(query.Text(0).value_or("")), query.Int64(1)});
+    return tallies;
+}
+
+// One pass serves the days and the hours of the week.
+void CFetchedRows::CountByHour(const std::string& rows, StoreFigures& figures) const {
+    CQuery query(*m_connection, std::string("SELECT ") + kHour + ", COUNT(*) FROM " + rows +
+                                    " WHERE PluginLoggedTime IS NOT NULL GROUP BY 1 ORDER BY 1");
+    while (query.Step()) {
+        const int hour = static_cast<int>(query.Int64(0));
+        const int day = hour / 24;
+        const std::int64_t records = query.Int64(1);
+        if (figures.days.empty() || figures.days.back().day != day) figures.days.push_back({day});
+        figures.days.back().records += records;
+        figures.hours[WeekdayOf(day)][static_cast<size_t>(hour % 24)] += records;
+    }
+}
+
+} // namespace tsl

@@ -1,0 +1,188 @@
+#include "upkeep/transfer/RecordFeed.h"
+
+#include <algorithm>
+#include <set>
+
+#include "base/Handle.h"
+#include "base/Hresult.h"
+#include "console/Text.h"
+#include "store/Schema.h"
+#include "upkeep/StoreLock.h"
+#include "upkeep/TableReading.h"
+#include "upkeep/WholeDatabase.h"
+
+namespace tsl {
+
+namespace {
+
+// Part of the file format of SQLite.
+constexpr LONG kOffsetOfChanges = 24;
+
+// How many rows are looked through for ids that come late.
+constexpr size_t kLatest = 256;
+
+// Codes of SQLite after which the next look may go well: busy, a table locked, a change that was
+// interrupted and that only a host rolls back, an I/O error, a file that has gone.
+constexpr int kPassing[] = {5, 6, 8, 10, 14};
+
+bool IsMissing(DWORD error) noexcept {
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
+}
+bool IsPassing(DWORD error) noexcept {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+}
+
+UINT32 Number(const CQuery& query, int column) {
+    return static_cast<UINT32>(query.Int64(column));
+}
+
+std::string TableOfRecords() {
+    return ToUtf8(TableName(kTablePrefix, kActionLogTable));
+}
+
+constexpr int kIdColumn = 1;
+
+// The row number goes before the columns of the record.
+std::string SelectRecords() {
+    return "SELECT rowid, ActionLogId, AppLoggedTime, UserId, AppId, LogKind, ActionName, "
+           "ActionParameters FROM " +
+           TableOfRecords();
+}
+
+ExportedRecord ReadRecord(const CQuery& row) {
+    ExportedRecord read;
+    read.record.id = Number(row, kIdColumn);
+    read.record.time = row.Double(2);
+    read.record.user = Number(row, 3);
+    read.record.app = static_cast<INT32>(row.Int64(4));
+    read.kind = Number(row, 5);
+    read.record.name = row.WideText(6);
+    read.record.parameters = row.WideText(7);
+    return read;
+}
+
+std::map<INT64, UINT32> ReadLatest(const CConnection& connection) {
+    CQuery rows(connection, "SELECT rowid, ActionLogId FROM " + TableOfRecords() +
+                                " ORDER BY rowid DESC LIMIT " + std::to_string(kLatest));
+    std::map<INT64, UINT32> latest;
+    while (rows.Step())
+        latest[rows.Int64(0)] = Number(rows, 1);
+    return latest;
+}
+
+// Where there are fewer rows than are remembered, all rows are known.
+bool HasAnchor(const std::map<INT64, UINT32>& latest) {
+    return latest.size() == kLatest;
+}
+
+UINT32 HighestThere(const CConnection& connection) {
+    return static_cast<UINT32>(
+        connection.Number("SELECT MAX(ActionLogId) FROM " + TableOfRecords()));
+}
+
+UINT32 HighestOf(const std::vector<ExportedRecord>& records) {
+    UINT32 highest = 0;
+    for (const ExportedRecord& exported : records)
+        highest = std::max(highest, exported.record.id);
+    return highest;
+}
+
+} // namespace
+
+std::optional<DatabaseMark> ReadDatabaseMark(const std::wstring& database) {
+    const CHandle file(CreateFileW(database.c_str(), GENERIC_READ,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
+                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
+    if (!file) {
+        const DWORD error = GetLastError();
+        if (IsMissing(error)) return DatabaseMark();
+        if (IsPassing(error)) return std::nullopt;
+        throw CFailure("cannot read", database, HresultFromWin32(error));
+    }
+    BY_HANDLE_FILE_INFORMATION about{};
+    if (!GetFileInformationByHandle(file.Get(), &about)) return std::nullopt;
+    DatabaseMark mark;
+    mark.fileIndex = (UINT64{about.nFileIndexHigh} << 32) | about.nFileIndexLow;
+    mark.size = (UINT64{about.nFileSizeHigh} << 32) | about.nFileSizeLow;
+    // Big end first. A file that has no header yet has no changes.
+    UINT32 changes = 0;
+    DWORD bytesRead = 0;
+    SetFilePointer(file.Get(), kOffsetOfChanges, nullptr, FILE_BEGIN);
+    if (!ReadFile(file.Get(), &changes, sizeof changes, &bytesRead, nullptr)) return std::nullopt;
+    mark.changes = _byteswap_ulong(changes);
+    return mark;
+}
+
+std::vector<ExportedRecord> CRecordFeed::Look() {
+    const std::optional<DatabaseMark> mark = ReadDatabaseMark(m_database);
+    if (!mark || (mark == m_mark && m_highest)) return {};
+    if (m_mark && mark->fileIndex != m_mark->fileIndex) m_latest.reset(); // another file
+    try {
+        const CDatabaseLock lock;
+        if (mark->size > 0) return LookInto(CConnection(m_database, Access::ReadOnly));
+    } catch (const CSqliteError& error) {
+        if (std::ranges::find(kPassing, error.Result()) != std::end(kPassing)) return {};
+        throw FailureOf("cannot read", m_database, error);
+    } catch (const CFailure& failure) {
+        if (failure.Code() == ExitCode::Locked) return {};
+        throw;
+    }
+    Remember(*mark, {}, 0);
+    return {};
+}
+
+std::vector<ExportedRecord> CRecordFeed::LookInto(const CConnection& connection) {
+    // Who waits for the lock must not wait for those too who are in the file without it.
+    connection.Execute("PRAGMA busy_timeout = 0; BEGIN");
+    const bool hasTable = HasTable(connection, TableOfRecords());
+    // Nobody writes until the transaction ends: the mark is that of what is read.
+    const std::optional<DatabaseMark> mark = ReadDatabaseMark(m_database);
+    if (!mark) return {};
+    std::vector<ExportedRecord> records;
+    LatestRows latest;
+    UINT32 highest = 0;
+    if (hasTable) {
+        records = ReadNew(connection);
+        latest = ReadLatest(connection);
+        highest = m_highest ? HighestOf(records) : HighestThere(connection);
+    }
+    Remember(*mark, std::move(latest), highest);
+    return records;
+}
+
+void CRecordFeed::Remember(const DatabaseMark& mark, LatestRows latest, UINT32 highest) {
+    m_mark = mark;
+    m_latest = std::move(latest);
+    m_highest = std::max(m_highest.value_or(0), highest);
+}
+
+std::vector<ExportedRecord> CRecordFeed::ReadNew(const CConnection& connection) const {
+    if (!m_highest) return {};
+    const bool byRow = m_latest && IsAnchorInPlace(connection);
+    CQuery rows(connection, SelectRecords() + (byRow ? " WHERE rowid > ? ORDER BY rowid"
+                                                     : " WHERE ActionLogId > ? "
+                                                       "ORDER BY ActionLogId"));
+    std::set<UINT32> known;
+    if (byRow) {
+        rows.Bind(HasAnchor(*m_latest) ? m_latest->begin()->first : 0);
+        for (const auto& [row, id] : *m_latest)
+            known.insert(id);
+    } else {
+        rows.Bind(INT64{*m_highest});
+    }
+    std::vector<ExportedRecord> records;
+    while (rows.Step()) {
+        if (known.insert(Number(rows, kIdColumn)).second) records.push_back(ReadRecord(rows));
+    }
+    return records;
+}
+
+bool CRecordFeed::IsAnchorInPlace(const CConnection& connection) const {
+    if (!HasAnchor(*m_latest)) return true;
+    const auto& [row, id] = *m_latest->begin();
+    CQuery query(connection, "SELECT ActionLogId FROM " + TableOfRecords() + " WHERE rowid = ?");
+    return query.Bind(row).Step() && Number(query, 0) == id;
+}
+
+} // namespace tsl
