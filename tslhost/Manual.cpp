@@ -34,6 +34,7 @@ std::string Footer(const CLI::App& app) {
         }
     }
     finishCode();
+    if (!manual.empty() && !manual.ends_with("\n\n")) manual += '\n';
     return manual;
 }
 

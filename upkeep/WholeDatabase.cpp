@@ -10,10 +10,12 @@ namespace tsl {
 
 namespace {
 
+constexpr char kRecoverSaves[] = "; tslhost recover saves its records";
+
 // The engine's words may quote what is in the file, which need not be text.
 CFailure Damaged(const std::wstring& database, const std::string& why) {
-    return CFailure(ExitCode::Damaged, ToUtf8(database) + " is damaged: " + OneLine(why) +
-                                           "; tslhost recover saves its records");
+    return CFailure(ExitCode::Damaged,
+                    ToUtf8(database) + " is damaged: " + OneLine(why) + kRecoverSaves);
 }
 
 bool TellsOfDamage(int result) noexcept {
@@ -25,7 +27,10 @@ bool TellsOfDamage(int result) noexcept {
 
 CFailure FailureOf(const char* operation, const std::wstring& database, const CSqliteError& error) {
     if (FolderExists(database)) return Damaged(database, "a folder lies in its place");
-    if (TellsOfDamage(error.Result())) return Damaged(database, error.what());
+    if (TellsOfDamage(error.Result())) {
+        return CFailure(ExitCode::Damaged, std::string(operation) + " " + ToUtf8(database) + ": " +
+                                               OneLine(error.what()) + kRecoverSaves);
+    }
     return CFailure(operation, database, SqliteResultToHresult(error.Result()));
 }
 

@@ -240,7 +240,7 @@ TEST_F(Backup, CommandNamesTheOneThatMends) {
     WriteBytes(Store().replayLog, Bytes(4096, 'x'));
     const ConsoleResult refused = RunConsole(Typed(L"backup"));
     EXPECT_EQ(4, refused.exitCode);
-    EXPECT_THAT(refused.errors, HasSubstr("uareplay.db is damaged: "));
+    EXPECT_THAT(refused.errors, HasSubstr("uareplay.db: "));
     EXPECT_THAT(refused.errors, HasSubstr("; tslhost recover saves its records\n"));
     EXPECT_EQ("", refused.output);
 }

@@ -18,11 +18,11 @@ ULONGLONG TimeOf(const std::function<void()>& operation) {
     return GetTickCount64() - start;
 }
 
-using LargeStore = BackupTest;
+using LargeBackup = BackupTest;
 
 } // namespace
 
-TEST_F(LargeStore, IsSavedPutBackAndCompacted) {
+TEST_F(LargeBackup, IsSavedPutBackAndCompacted) {
     MakeSample();
     const int records = InForm(20'000, 500'000);
     {
