@@ -8,6 +8,8 @@ recover_shell=$build/recover-shell/sqlite3
 make_recover_shell() {
   local target=$build/recover-shell
   [ ! -x "$recover_shell" ] || return 0
+  [ -e /usr/include/zlib.h ] && command -v gcc make tclsh >/dev/null ||
+    die "building the sqlite3 shell needs the packages gcc make tcl zlib1g-dev"
   echo "Building the sqlite3 shell with .recover"
   rm -rf "$target"
   mkdir -p "$target/download/lists/partial" "$target/download/cache/archives/partial" "$target/source"
