@@ -96,7 +96,7 @@ void AddDeleteCommand(CLI::App& app, CommandContext& context) {
     const auto options = std::make_shared<DeleteOptions>();
     command->add_option("--id", options->id, "One record")->check(ANumber<UINT32>());
     AddSelectionOptions(*command, options->selection);
-    command->get_option("--user")->required()->expected(1)->description("User id");
+    command->get_option("--user")->required()->expected(1)->default_str("")->description("User id");
     command->get_option("--kind")->description("Log kind; default: 1");
     command->add_flag("--dry-run", options->dryRun, "Only say how many records would be removed");
     command->add_flag("--yes", options->yes, "Remove them");

@@ -73,7 +73,10 @@ void PrintJson(const Finding& finding) {
 }
 
 ExitCode ExamineAndPrint(const CommandContext& context) {
+    CProgress progress;
+    progress.Show("examining the store");
     const Findings findings = Examine(MachineStore(), context.pluginPath);
+    progress.Clear();
     const CFindingPrinter printer(findings);
     for (const Finding& finding : findings)
         context.json ? PrintJson(finding) : printer.Print(finding);
@@ -84,9 +87,11 @@ ExitCode ExamineAndPrint(const CommandContext& context) {
 
 void AddDoctorCommand(CLI::App& app, CommandContext& context) {
     CLI::App* const command = app.add_subcommand(
-        "doctor", "Examine the component, its locks and the store, and say what mends them; "
-                  "changes nothing, and ends with 4 where something is damaged");
-    command->footer("Example: tslhost doctor --json");
+        "doctor", "Examine the component, its locks and the store, and say what mends them");
+    command->footer(
+        "Example: tslhost doctor --json\n"
+        "It changes nothing. It ends with 4 where something is damaged; errors of rights "
+        "alone end with 0.");
     command->callback([&context] { context.exitCode = ExamineAndPrint(context); });
 }
 

@@ -32,6 +32,8 @@ const char* CounterWord(CounterState state) {
         return "missing";
     case CounterState::Behind:
         return "behind";
+    case CounterState::Spoiled:
+        return "spoiled";
     default:
         return "fine";
     }
@@ -67,7 +69,7 @@ void PrintJson(const RecoverReport& report, bool dryRun) {
         json["databases"].push_back(DatabaseJson(database, dryRun));
     json["counter"] = {{"state", CounterWord(report.counter.state)},
                        {"found", report.counter.found}};
-    if (report.counter.written > 0) json["counter"]["written"] = report.counter.written;
+    if (report.counter.written) json["counter"]["written"] = *report.counter.written;
     PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
@@ -110,12 +112,12 @@ void PrintDatabase(const DatabaseReport& database, bool dryRun) {
 
 void PrintCounter(const CounterReport& counter, const StorePaths& store, bool dryRun) {
     const std::string file = ToUtf8(store.counter);
-    if (counter.written == 0) return PrintLine(file + ": is fine, left alone");
-    const std::string found = counter.state == CounterState::Missing
-                                  ? std::string("is missing")
-                                  : "is behind (" + std::to_string(counter.found) + ")";
+    if (!counter.written) return PrintLine(file + ": is fine, left alone");
+    std::string found = std::string("is ") + CounterWord(counter.state);
+    if (counter.state != CounterState::Missing)
+        found += " (read as " + std::to_string(counter.found) + ")";
     PrintLine(file + ": " + found + (dryRun ? ", would be set to " : ", set to ") +
-              std::to_string(counter.written));
+              std::to_string(*counter.written));
 }
 
 ExitCode Recover(const std::shared_ptr<RecoverOptions>& options, const CommandContext& context) {
@@ -144,8 +146,12 @@ void AddRecoverCommand(CLI::App& app, CommandContext& context) {
     const auto options = std::make_shared<RecoverOptions>();
     command->add_flag("--force", options->force, "Make databases anew that are whole, too");
     command->add_flag("--dry-run", options->dryRun, "Only say what would be saved");
-    command->footer("The damaged file is kept beside the new one under a dated name.\n"
-                    "Example: tslhost recover --dry-run");
+    command->footer(
+        "Example: tslhost recover --dry-run\n"
+        "A database that is whole is left alone. The damaged file is kept beside the new one "
+        "under a dated name. actionLog.txt is mended too, and never lowered. It ends with 0 "
+        "when every row was saved, or nothing was to be done, and with 6 when something could "
+        "not be read; with --dry-run it is the same.");
     command->callback([&context, options] { context.exitCode = Recover(options, context); });
 }
 

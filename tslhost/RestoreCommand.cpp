@@ -65,7 +65,11 @@ void AddRestoreCommand(CLI::App& app, CommandContext& context) {
         "restore", "Put a backup in the place of the store; what was there before is kept");
     const auto folder = std::make_shared<std::string>();
     command->add_option("FOLDER", *folder, "Folder that tslhost backup made")->required();
-    command->footer("Example: tslhost restore D:\\backups\\2026-11-21");
+    command->footer(
+        "Example: tslhost restore D:\\backups\\2026-11-21\n"
+        "It replaces both databases, the user id list, and the counter unless that is higher. "
+        "What was there is kept in a dated folder beside them. It ends with 3, and all stays as "
+        "it was, while a host has a file open.");
     command->callback([&context, folder] { Restore(*folder, context); });
 }
 

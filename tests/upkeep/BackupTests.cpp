@@ -235,6 +235,14 @@ TEST_F(Backup, IsACommand) {
                           "\"TslIf_ActionReplay\":100},\"counter\":600}"));
 }
 
+TEST_F(Backup, OfAStoreWithAWriteAheadLogIsWholeByItself) {
+    MakeSample();
+    FileDatabase(Store().actionLog).Query("PRAGMA journal_mode = WAL");
+    BackUp();
+    EXPECT_EQ(5u, ContentOf(Folder()).size()) << "four files and the manifest";
+    EXPECT_EQ("delete", FileDatabase(Folder() / L"ualog.db").Value("PRAGMA journal_mode"));
+}
+
 TEST_F(Backup, CommandNamesTheOneThatMends) {
     MakeSample();
     WriteBytes(Store().replayLog, Bytes(4096, 'x'));

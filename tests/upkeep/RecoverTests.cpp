@@ -67,7 +67,7 @@ TEST_F(Recovery, OfAStoreThatIsNotThereDoesNothing) {
         fs::remove(path);
     const RecoverReport report = Recover();
     EXPECT_EQ(Outcome::Missing, report.databases[0].outcome);
-    EXPECT_EQ(0u, report.counter.written);
+    EXPECT_EQ(std::nullopt, report.counter.written);
     EXPECT_FALSE(fs::exists(Store().actionLog));
     EXPECT_FALSE(fs::exists(Store().counter));
 }
@@ -153,8 +153,7 @@ TEST_F(Recovery, KeepsOddValuesByteForByte) {
 
 TEST_F(Recovery, KeepsTheLastRowOfAnId) {
     Change(Store().actionLog, std::string("INSERT INTO ") + kMain +
-                                  " (ActionLogId, AppId, LogKind) VALUES (7, 99, 1); "
-                                  "PRAGMA user_version = 500");
+                                  " (ActionLogId, AppId, LogKind) VALUES (7, 99, 1)");
     const DatabaseReport report = Recover().databases[0];
     EXPECT_EQ(1u, report.tables[0].rows.superseded);
     const FileDatabase recovered(Store().actionLog);
@@ -239,8 +238,37 @@ TEST_F(Recovery, RaisesACounterThatIsBehindMissingOrUnreadable) {
 TEST_F(Recovery, NeverLowersTheCounter) {
     WriteBytes(Store().counter, Utf16FileBytes(L"00004711\t\r\n"));
     BreakHeader();
-    EXPECT_EQ(0u, Recover().counter.written);
+    EXPECT_EQ(std::nullopt, Recover().counter.written);
     EXPECT_EQ("00004711", Counter(Store()));
+}
+
+TEST_F(Recovery, LeavesACounterThatCannotBeReadAndTellsIt) {
+    WriteBytes(Store().counter, Utf16FileBytes(L"00004711\t\r\n"));
+    {
+        const CHandle held(CreateFileW(Store().counter.c_str(), GENERIC_READ, /*shareMode=*/0,
+                                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        EXPECT_THROW(Recover(), CFailure);
+    }
+    EXPECT_EQ("00004711", Counter(Store()));
+}
+
+TEST_F(Recovery, DoesNotHandOutTheIdsOfDeletedRecordsAgain) {
+    Change(Store().actionLog, std::string("DELETE FROM ") + kMain + " WHERE ActionLogId > 550");
+    fs::remove(Store().counter);
+    EXPECT_EQ(600u, Recover().counter.written);
+}
+
+TEST_F(Recovery, TellsWhatItDidBeforeAStepFailed) {
+    BreakHeader();
+    fs::remove(Store().counter);
+    fs::create_directory(Store().counter);
+    try {
+        Recover();
+        FAIL() << "the counter cannot be written";
+    } catch (const CFailure& failure) {
+        EXPECT_THAT(failure.what(), testing::HasSubstr("ualog.db was recovered, and kept as "));
+    }
+    ExpectWhole(Store().actionLog);
 }
 
 TEST_F(Recovery, LeavesTheIdOfAnOlderStoreToItsConversion) {

@@ -193,6 +193,26 @@ TEST_F(Restore, SetsJournalsAside) {
     EXPECT_EQ(9, CountRows(Kept(L"ualog.db"), kActionLogRows)) << "the engine can still use both";
 }
 
+// The engine would play it into the new database, whatever the header says.
+TEST_F(Restore, SetsAWriteAheadLogAside) {
+    MakeSample();
+    BackUp();
+    const std::vector<Row> rows = RowsOf(Folder() / L"ualog.db", kActionLogRows);
+    Bytes log;
+    Bytes changed;
+    {
+        const FileDatabase host(Store().actionLog);
+        host.Query("PRAGMA journal_mode = WAL; UPDATE TslIf_DbActionLog SET ActionName = 'other'");
+        log = ReadBytes(Store().actionLog + L"-wal");
+        changed = ReadBytes(Store().actionLog);
+    }
+    WriteBytes(Store().actionLog, changed); // as a process leaves both that ends then
+    WriteBytes(Store().actionLog + L"-wal", log);
+    ASSERT_EQ(ExitCode::Fine, Run().code);
+    EXPECT_EQ(rows, RowsOf(Store().actionLog, kActionLogRows));
+    EXPECT_EQ(log, ReadBytes(Kept(L"ualog.db-wal")));
+}
+
 TEST_F(Restore, KeepsTheHigherCounter) {
     MakeSample();
     BackUp();

@@ -127,7 +127,8 @@ TEST_F(StatsCommand, FailuresAreOneLineAndACode) {
     const ConsoleResult damaged = RunConsole(L"stats");
     EXPECT_EQ(4, damaged.exitCode);
     EXPECT_EQ("", damaged.output);
-    EXPECT_THAT(damaged.errors, AllOf(HasSubstr("ualog.db"), HasSubstr("not a database (26)\n")));
+    EXPECT_THAT(damaged.errors,
+                AllOf(HasSubstr("ualog.db"), HasSubstr("not a database (26); tslhost recover")));
     fs::remove_all(StoreFolder());
     fs::remove(MachineStore().userIds);
     const ConsoleResult missing = RunConsole(L"stats");

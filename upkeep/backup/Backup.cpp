@@ -42,7 +42,9 @@ public:
         if (m_kept) return;
         for (const StoreFile& file : kStoreFiles) {
             Remove(file.name);
-            Remove(JournalOf(file.name));
+            for (const wchar_t* const suffix : kCompanionSuffixes)
+                Remove(std::wstring(file.name) + suffix);
+            Remove(std::wstring(file.name) + kLogIndexSuffix);
         }
         Remove(kManifestName);
         Remove(kManifestName + std::wstring(L".new"));
@@ -159,14 +161,16 @@ void CountRows(const CConnection& connection, BackupManifest& manifest) {
 
 // path is where the database comes from, for the messages.
 void CheckCopy(const std::wstring& copy, const std::wstring& path, BackupManifest& manifest) {
-    Flush(copy);
     try {
-        const CConnection connection(copy, Access::ReadOnly);
+        const CConnection connection(copy, Access::ReadWrite);
         RequireWhole(connection, path);
         CountRows(connection, manifest);
+        // A copy with a write-ahead log would not be whole by itself.
+        connection.Execute("PRAGMA journal_mode = DELETE");
     } catch (const CSqliteError& error) {
         throw FailureOf(kCannot, path, error);
     }
+    Flush(copy);
 }
 
 std::string Now() {

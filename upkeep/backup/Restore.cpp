@@ -143,8 +143,10 @@ private:
 
     void RestoreDatabase(const StoreFile& kind) {
         const std::wstring& path = kind.In(m_store);
-        // It belongs to the old database; the engine would play it back into the new one.
-        m_replacement.SetAside(JournalOf(path));
+        // They belong to the old database; the engine would play them into the new one.
+        for (const wchar_t* const suffix : kCompanionSuffixes)
+            m_replacement.SetAside(path + suffix);
+        m_replacement.SetAside(path + kLogIndexSuffix);
         if (IsInBackup(kind)) {
             m_replacement.Replace(path, m_staged.Of(kind));
         } else {

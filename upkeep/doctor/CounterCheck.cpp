@@ -70,6 +70,10 @@ Finding TellNumber(const FileLook& file, UINT32 counter, const KnownIds& ids) {
         return Damaged(kSubject, "spoiled, and read as " + std::to_string(counter), kRecover);
     }
     if (counter < ids.highestInUse) return TellBehind(counter, ids.highestInUse);
+    if (ids.complete && counter < ids.highestEver && ids.highestEver != kHighestCounter) {
+        return Odd(kSubject, next + ", but ids up to " + std::to_string(ids.highestEver) +
+                                 " were in use already, says a header: they come again");
+    }
     if (form != Form::Exact) {
         return Odd(kSubject, next + "; not as the component writes it, which it does next time");
     }
@@ -85,6 +89,11 @@ Finding TellNumber(const FileLook& file, UINT32 counter, const KnownIds& ids) {
 }
 
 } // namespace
+
+bool IsSpoiledCounter(const std::wstring& path, UINT32 counter) {
+    const FileLook file = LookAtFile(path, kMostBytes);
+    return file.presence == Presence::There && FormOf(file, counter) == Form::Spoiled;
+}
 
 void CheckCounter(const std::wstring& path, const KnownIds& ids, Findings& findings) {
     const FileLook file = LookAtFile(path, kMostBytes);

@@ -9,4 +9,8 @@ namespace tsl {
 // Changes nothing. REQUIRES: the LogId lock is held or its wait has timed out.
 void CheckCounter(const std::wstring& path, const KnownIds& ids, Findings& findings);
 
+// Whether the file holds something else than a number, though it is read as this one. False when
+// there is no such file.
+bool IsSpoiledCounter(const std::wstring& path, UINT32 counter);
+
 } // namespace tsl

@@ -142,9 +142,9 @@ void CDatabaseTeller::TellRecords(const CConnection& connection) {
     m_ids.ofOlderForm = m_ids.ofOlderForm || found.ofOlderForm;
     const std::string main = ToUtf8(TableName(kTablePrefix, m_kind.tables.front()));
     for (const std::string& table : found.usable) {
-        const TableFigures figures = CheckTable(connection, table, Subject(" rows"), m_findings);
-        m_ids.highestInUse = std::max(m_ids.highestInUse, figures.highestId);
-        if (table == main) TellMark(mark, figures.highestId, figures.rows);
+        const TableIds ids = CheckTable(connection, table, Subject(" rows"), m_findings);
+        m_ids.highestInUse = std::max(m_ids.highestInUse, ids.highest);
+        if (table == main) TellMark(mark, ids.highest, ids.rows);
     }
 }
 

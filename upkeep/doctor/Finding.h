@@ -42,7 +42,9 @@ inline Finding Damaged(std::string subject, std::string text, std::string remedy
 inline constexpr char kRecover[] = "tslhost recover";
 
 // For what only a person can mend.
-inline constexpr char kRestore[] = "tslhost restore FOLDER, with a backup";
+inline constexpr char kRestore[] = "end all hosts and copy UserIdList.dat alone out of a backup; "
+                                   "tslhost restore would replace the "
+                                   "records too";
 inline constexpr char kRepair[] = "repair the installation";
 
 } // namespace tsl

@@ -88,7 +88,10 @@ private:
         }
         const std::string sid = ToUtf8(entry->sid);
         const auto [owner, isNewId] = m_owners.emplace(entry->id, sid);
-        if (!isNewId) {
+        if (!isNewId && owner->second == sid) {
+            m_findings.push_back(
+                Odd(kSubject, sid + " is there twice with the id " + std::to_string(entry->id)));
+        } else if (!isNewId) {
             m_findings.push_back(Damaged(kSubject,
                                          "id " + std::to_string(entry->id) + " stands for " +
                                              owner->second + " and for " + sid,

@@ -5,7 +5,8 @@
 #include <algorithm>
 
 #include "console/Failure.h"
-#include "upkeep/Connection.h"
+#include "upkeep/TableIds.h"
+#include "upkeep/WholeDatabase.h"
 #include "upkeep/recovery/PageFile.h"
 
 namespace tsl {
@@ -29,7 +30,7 @@ public:
         CQuery check(m_connection, "PRAGMA integrity_check(1)");
         const std::string found = check.Step() ? check.Text(0).value_or("") : "no answer";
         if (found != "ok") m_condition.damage = found;
-        CheckMark();
+        CheckIdsAndMark();
         return m_condition;
     }
 
@@ -54,14 +55,15 @@ private:
         if (!hasMain) m_condition.damage = "there is no table " + m_tables.main;
     }
 
-    UINT32 HighestIdOf(const std::string& table) const {
-        return static_cast<UINT32>(
-            m_connection.Number("SELECT max(ActionLogId) FROM " + table +
-                                " WHERE ActionLogId BETWEEN 1 AND 4294967295"));
+    UINT32 HighestIdOf(const std::string& table) {
+        const TableIds ids = ReadTableIds(m_connection, table);
+        if (!ids.AreWhole())
+            m_condition.damage = "there are rows in " + table + " without an id of their own";
+        return ids.highest;
     }
 
     // A mark of 0 is set by the component itself.
-    void CheckMark() {
+    void CheckIdsAndMark() {
         if (!m_condition.damage.empty()) return;
         const UINT32 highest = HighestIdOf(m_tables.main);
         const auto mark = static_cast<UINT32>(m_connection.Number("PRAGMA user_version"));
@@ -70,6 +72,11 @@ private:
                                  std::to_string(mark) + ", but there is";
         m_condition.highestId =
             std::max(highest, m_hasKept ? HighestIdOf(m_tables.kept) : UINT32{0});
+        // The ids of records that were deleted are not handed out again. No check protects the
+        // mark, so it is not believed when it is far off.
+        constexpr UINT32 kOddLeap = 10'000;
+        if (mark > m_condition.highestId && mark - m_condition.highestId <= kOddLeap)
+            m_condition.highestId = mark;
     }
 
     CConnection m_connection;
@@ -87,8 +94,7 @@ DatabaseCondition ExamineDatabase(const std::wstring& path, const DatabaseTables
         return CExaminer(path, tables).Examine();
     } catch (const CSqliteError& error) {
         if (error.Result() == SQLITE_BUSY || error.Result() == SQLITE_LOCKED)
-            throw CFailure(ExitCode::Locked,
-                           std::string("cannot read the database: ") + error.what());
+            throw FailureOf("cannot read", path, error);
         return {error.what()};
     }
 }

@@ -5,6 +5,7 @@
 
 #include "console/Failure.h"
 #include "files/AccessRights.h"
+#include "upkeep/WholeDatabase.h"
 #include "upkeep/recovery/DatabaseCondition.h"
 #include "upkeep/recovery/FileReplacement.h"
 #include "upkeep/recovery/OlderLastIds.h"
@@ -112,16 +113,14 @@ void RequireWhole(const std::wstring& made, const DatabaseTables& tables) {
         throw CFailure(ExitCode::Denied, "the recovered database is not whole: " + damage);
 }
 
-SYSTEMTIME LocalNow() {
+SYSTEMTIME UtcNow() {
     SYSTEMTIME now{};
-    GetLocalTime(&now);
+    GetSystemTime(&now);
     return now;
 }
 
-} // namespace
-
-DatabaseReport RecoverDatabase(const std::wstring& path, const DatabaseTables& tables,
-                               const RecoveryContext& context) {
+DatabaseReport Recover(const std::wstring& path, const DatabaseTables& tables,
+                       const RecoveryContext& context) {
     DatabaseReport report;
     report.path = path;
     std::error_code error;
@@ -150,9 +149,20 @@ DatabaseReport RecoverDatabase(const std::wstring& path, const DatabaseTables& t
     report.outcome = Outcome::Recovered;
     if (context.options.dryRun) return report;
     GrantFileAccess(made.Path());
-    report.keptAs = NameForKeeping(path, LocalNow());
+    report.keptAs = NameForKeeping(path, UtcNow());
     ReplaceFileKeeping(path, made.Path(), report.keptAs);
     return report;
+}
+
+} // namespace
+
+DatabaseReport RecoverDatabase(const std::wstring& path, const DatabaseTables& tables,
+                               const RecoveryContext& context) {
+    try {
+        return Recover(path, tables, context);
+    } catch (const CSqliteError& error) {
+        throw FailureOf("cannot recover", path, error);
+    }
 }
 
 } // namespace tsl

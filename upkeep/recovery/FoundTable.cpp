@@ -4,6 +4,8 @@
 
 #include <utility>
 
+#include "upkeep/TableIds.h"
+
 namespace tsl {
 
 namespace {
@@ -69,8 +71,10 @@ UINT64 CFoundTable::Execute(const std::string& statement) const {
 
 SavedRows CFoundTable::Write(UINT32 highestHandedOut) {
     SavedRows saved;
-    const std::string isId = "typeof(v0) = 'integer'";
-    saved.unbelievable = Execute(
+    const std::string isId = IsRecordId("v0");
+    // The component can never reach a row without an id.
+    saved.unbelievable = Execute("DELETE FROM " + m_found + " WHERE NOT " + isId);
+    saved.unbelievable += Execute(
         "DELETE FROM " + m_found + " WHERE NOT whole AND v0 > " + std::to_string(highestHandedOut) +
         " AND v0 > (SELECT ifnull(max(v0), 0) FROM " + m_found + " WHERE whole AND " + isId + ")");
     saved.superseded =

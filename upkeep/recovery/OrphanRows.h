@@ -7,7 +7,7 @@
 namespace tsl {
 
 // A table that its own pages have been read of.
-struct ReadTable {
+struct TableRead {
     CFoundTable* rows = nullptr; // null where the database has no such table
     bool hasGaps = false;        // some of its pages are not where they should be
 };
@@ -15,7 +15,7 @@ struct ReadTable {
 class COrphanRows {
 public:
     // mayBeFree: there are no more of them than free pages that are listed nowhere.
-    COrphanRows(const CPageFile& file, const ReadTable& main, const ReadTable& kept, bool mayBeFree)
+    COrphanRows(const CPageFile& file, const TableRead& main, const TableRead& kept, bool mayBeFree)
         : m_file(file), m_main(main), m_kept(kept), m_mayBeFree(mayBeFree) {}
 
     // Adds the rows of the tree to the main table, or to that of the kept records. False when they
@@ -31,8 +31,8 @@ private:
     CFoundTable& TableOf(const StoredRow& row) const;
 
     const CPageFile& m_file;
-    ReadTable m_main;
-    ReadTable m_kept;
+    TableRead m_main;
+    TableRead m_kept;
     bool m_mayBeFree;
     Unread m_unread;
 };

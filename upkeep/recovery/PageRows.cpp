@@ -16,7 +16,7 @@ public:
         : m_file(file), m_onProgress(onProgress), m_use(file.PageCount()),
           m_roots(ReadTableRoots(file, m_use)) {}
 
-    ReadTable ReadOwnPages(CFoundTable* rows, const std::string& name, Unread& unread) {
+    TableRead ReadOwnPages(CFoundTable* rows, const std::string& name, Unread& unread) {
         if (!rows) return {};
         const auto root = m_roots.roots.find(name);
         if (root == m_roots.roots.end()) return {rows, !m_roots.isWhole};
@@ -29,7 +29,7 @@ public:
         return {rows, walk.hasGaps};
     }
 
-    void ReadOrphans(const ReadTable& main, const ReadTable& kept, PageRowsResult& result) {
+    void ReadOrphans(const TableRead& main, const TableRead& kept, PageRowsResult& result) {
         const FreeList free = ReadFreeList(m_file);
         for (const UINT32 page : free.pages)
             m_use.Use(page);
@@ -71,8 +71,8 @@ PageRowsResult ReadRowsOfPages(const CPageFile& file, const DatabaseTables& tabl
     if (file.PageCount() == 0) return result;
     CPageRows rows(file, onProgress);
     result.orphans.pages = rows.UnreadableSchemaPages();
-    const ReadTable main = rows.ReadOwnPages(&fresh.Main(), tables.main, result.main);
-    const ReadTable kept = rows.ReadOwnPages(fresh.Kept(), tables.kept, result.kept);
+    const TableRead main = rows.ReadOwnPages(&fresh.Main(), tables.main, result.main);
+    const TableRead kept = rows.ReadOwnPages(fresh.Kept(), tables.kept, result.kept);
     rows.ReadOrphans(main, kept, result);
     return result;
 }

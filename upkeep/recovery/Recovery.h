@@ -41,13 +41,17 @@ struct DatabaseReport {
     bool IsPartly() const;
 };
 
-enum class CounterState { Fine, Missing, Behind };
+enum class CounterState {
+    Fine,
+    Missing,
+    Behind,  // lower than an id that is in use
+    Spoiled, // something else than a number, though it is read as one
+};
 
-// A file that holds no number counts as one that is behind.
 struct CounterReport {
     CounterState state = CounterState::Fine;
     UINT32 found = 0;
-    UINT32 written = 0; // 0 when it was fine
+    std::optional<UINT32> written; // none when it was fine
 };
 
 struct RecoverReport {
@@ -55,8 +59,8 @@ struct RecoverReport {
     CounterReport counter;
 };
 
-// Throws CFailure and CSqliteError; a database is then as it was, or wholly recovered. REQUIRES:
-// the locks of the store are held.
+// Throws CFailure, which tells what was done before; a database is then as it was, or wholly
+// recovered. REQUIRES: the locks of the store are held.
 RecoverReport RecoverStore(const StorePaths& store, const RecoverOptions& options);
 
 } // namespace tsl

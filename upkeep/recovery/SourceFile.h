@@ -4,10 +4,9 @@
 
 #include <string>
 
-namespace tsl {
+#include "upkeep/StorePaths.h"
 
-// What a database leaves beside it: the rollback journal and the write-ahead log.
-inline constexpr const wchar_t* kCompanionSuffixes[] = {L"-journal", L"-wal"};
+namespace tsl {
 
 class CSourceFile {
 public:

@@ -8,6 +8,7 @@
 #include "console/Text.h"
 #include "store/Schema.h"
 #include "upkeep/StoreLock.h"
+#include "upkeep/WholeDatabase.h"
 #include "upkeep/statistics/Calendar.h"
 
 namespace tsl {
@@ -37,37 +38,13 @@ std::optional<double> TimeIn(const CQuery& query, int column) {
     return query.Text(column) ? std::optional(time) : std::nullopt;
 }
 
-// With U+FFFD for what is no UTF-8.
-std::string ValidUtf8(const std::string& text) {
-    const int length = static_cast<int>(text.size());
-    std::wstring wide(text.size(), L'\0'); // never longer
-    const int converted = MultiByteToWideChar(CP_UTF8, /*flags=*/0, text.data(), length,
-                                              wide.data(), static_cast<int>(wide.size()));
-    wide.resize(static_cast<size_t>(converted));
-    return ToUtf8(wide);
-}
-
-ExitCode ExitCodeFor(const CSqliteError& error) {
-    switch (error.Result()) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-        return ExitCode::Locked;
-    case SQLITE_ERROR: // a column is missing
-    case SQLITE_CORRUPT:
-    case SQLITE_NOTADB:
-        return ExitCode::Damaged;
-    default:
-        return ExitCode::Denied;
-    }
-}
-
-CFailure FailureOf(const CSqliteError& error, const std::wstring& path) {
+CFailure FailureToRead(const CSqliteError& error, const std::wstring& path) {
     // Whoever only reads may not undo what is left of a change.
-    const bool interrupted = error.Result() == SQLITE_READONLY;
-    return CFailure(ExitCodeFor(error),
-                    "cannot read " + ToUtf8(path) + ": " +
-                        (interrupted ? "a change to it was interrupted; tslhost list undoes it"
-                                     : error.what()));
+    if (error.Result() == SQLITE_READONLY)
+        return CFailure(ExitCode::Denied,
+                        "cannot read " + ToUtf8(path) +
+                            ": a change to it was interrupted; tslhost list undoes it");
+    return FailureOf("cannot read", path, error);
 }
 
 } // namespace
@@ -81,7 +58,7 @@ bool CFetchedRows::Fetch(const std::wstring& path,
         for (const std::wstring_view table : tables)
             FetchTable(ToUtf8(TableName(kTablePrefix, table)));
     } catch (const CSqliteError& error) {
-        throw FailureOf(error, path);
+        throw FailureToRead(error, path);
     }
     return true;
 }
@@ -166,7 +143,7 @@ std::vector<Tally> CFetchedRows::CountBy(std::wstring_view column, const std::st
     CQuery query(*m_connection, "SELECT ifnull(" + ToUtf8(column) + ", ''), COUNT(*) FROM " + rows +
                                     " GROUP BY 1 ORDER BY 2 DESC, 1");
     while (query.Step())
-        tallies.push_back({ValidUtf8(query.Text(0).value_or("")), query.Int64(1)});
+        tallies.push_back({RepairUtf8(query.Text(0).value_or("")), query.Int64(1)});
     return tallies;
 }
 
