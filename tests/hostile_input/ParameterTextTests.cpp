@@ -120,8 +120,11 @@ void ExpectItComesBack(Lists lists) {
     EXPECT_EQ(lists, again) << testing::PrintToString(written);
 }
 
-// A double as a host that read it would hand it in.
-FLOAT ToFloat(double number) {
+// A number, or the text that stands for one that JSON does not have, as a host that read it would
+// hand it in.
+FLOAT ToFloat(const Json& value) {
+    const double number =
+        value.is_string() ? std::stod(value.get<std::string>()) : value.get<double>();
     constexpr double kHighest = std::numeric_limits<FLOAT>::max();
     if (std::abs(number) <= kHighest || std::isnan(number)) return static_cast<FLOAT>(number);
     return std::copysign(std::numeric_limits<FLOAT>::infinity(),
@@ -158,9 +161,7 @@ std::wstring EncodeAll(const Json& lists) {
     });
     const std::vector<std::wstring_view> views(texts.begin(), texts.end());
     EncodeStringValues(views, output, !output.empty(), false, /*isUserLocation=*/false);
-    EncodeFloatValues(ListOf<FLOAT>(lists, "floatValues",
-                                    [](const Json& value) { return ToFloat(value.get<double>()); }),
-                      output, !output.empty(), false);
+    EncodeFloatValues(ListOf<FLOAT>(lists, "floatValues", ToFloat), output, !output.empty(), false);
     return output;
 }
 

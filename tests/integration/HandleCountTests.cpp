@@ -1,7 +1,8 @@
-// Ten thousand actions, and a thousand objects, leave no handle and no memory behind.
+// Thousands of actions, and a thousand objects, leave no handle and no memory behind.
 #include "base/Handle.h"
 #include "base/LocalMemory.h"
 #include "component/host/CommandCodes.h"
+#include "tests/support/FullForm.h"
 #include "tests/support/PluginFixture.h"
 #include "tests/support/ProcessMeasures.h"
 #include "tests/support/StoreChecks.h"
@@ -11,7 +12,7 @@ namespace tsl::test {
 namespace {
 
 constexpr int kWarmUp = 500;
-constexpr int kCalls = 10000;
+const int kCalls = InForm(2'000, 10'000);
 // The same few rows are replaced over and over, so that the work does not grow.
 constexpr int kRecords = 50;
 constexpr int kCallsPerId = 10;
@@ -70,7 +71,7 @@ TEST_F(HandleCount, SeesOneHandleAndWhatIsAllocated) {
     EXPECT_GE(CommittedPrivateBytes(), before.committedBytes + large.size());
 }
 
-TEST_F(HandleCount, StaysFlatOverTenThousandActions) {
+TEST_F(HandleCount, StaysFlatOverThousandsOfActions) {
     ASSERT_NO_FATAL_FAILURE(Record(kWarmUp));
     const Usage before;
     ASSERT_NO_FATAL_FAILURE(Record(kCalls));
