@@ -9,6 +9,7 @@
 #include "tslhost/Commands.h"
 #include "tslhost/UpkeepOutput.h"
 #include "upkeep/backup/Backup.h"
+#include "upkeep/statistics/Figures.h"
 
 namespace tsl {
 
@@ -38,7 +39,7 @@ void PrintText(const std::wstring& folder, const BackupManifest& manifest) {
     CTable files({{"file"}, {"size", true}});
     UINT64 all = 0;
     for (const BackupFile& file : manifest.files) {
-        files.Add({file.name, SizeText(file.sum.size)});
+        files.Add({file.name, FileSize(file.sum.size)});
         all += file.sum.size;
     }
     for (const std::string& name : manifest.absent)
@@ -48,7 +49,7 @@ void PrintText(const std::wstring& folder, const BackupManifest& manifest) {
     for (const auto& [table, count] : manifest.rows)
         PrintLine(table + ": " + std::to_string(count) + (count == 1 ? " row" : " rows"));
     if (manifest.counter) PrintLine("last record id: " + std::to_string(*manifest.counter));
-    PrintLine(SizeText(all) + " backed up to " + ToUtf8(folder));
+    PrintLine(FileSize(all) + " backed up to " + ToUtf8(folder));
 }
 
 void BackUp(const std::string& folder, const CommandContext& context) {

@@ -7,6 +7,7 @@
 #include "tslhost/UpkeepOutput.h"
 #include "upkeep/StoreFiles.h"
 #include "upkeep/backup/Compact.h"
+#include "upkeep/statistics/Figures.h"
 
 namespace tsl {
 
@@ -20,7 +21,7 @@ void Compact(const CommandContext& context) {
     nlohmann::ordered_json json = nlohmann::ordered_json::array();
     for (const CompactedFile& file : files) {
         const std::string name = ToUtf8(NameOf(file.path));
-        table.Add({name, SizeText(file.sizeBefore), SizeText(file.sizeAfter)});
+        table.Add({name, FileSize(file.sizeBefore), FileSize(file.sizeAfter)});
         json.push_back({{"name", name}, {"before", file.sizeBefore}, {"after", file.sizeAfter}});
     }
     if (context.json) {

@@ -7,6 +7,7 @@
 #include "tslhost/Commands.h"
 #include "tslhost/UpkeepOutput.h"
 #include "upkeep/backup/Restore.h"
+#include "upkeep/statistics/Figures.h"
 
 namespace tsl {
 
@@ -33,7 +34,7 @@ void PrintText(const std::wstring& folder, const RestoreReport& report) {
     UINT64 all = 0;
     for (const BackupFile& file : report.manifest.files)
         all += file.sum.size;
-    PrintLine(SizeText(all) + " restored from " + ToUtf8(folder) + ", made " +
+    PrintLine(FileSize(all) + " restored from " + ToUtf8(folder) + ", made " +
               report.manifest.time);
     if (!report.keptFolder.empty())
         PrintLine("what was there before lies in " + ToUtf8(report.keptFolder));

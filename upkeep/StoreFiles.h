@@ -35,6 +35,11 @@ inline bool IsThere(const std::wstring& path) {
     return std::filesystem::exists(path, error);
 }
 
+// The folder that a file lies in.
+inline std::wstring FolderOf(const std::wstring& path) {
+    return std::filesystem::path(path).parent_path().wstring();
+}
+
 // The last component of a path.
 inline std::wstring NameOf(const std::wstring& path) {
     return std::filesystem::path(path).filename().wstring();

@@ -12,9 +12,6 @@ namespace tsl {
 
 namespace {
 
-// Short: who waits for it waits without end.
-constexpr DWORD kUserIdListTimeoutMilliseconds = 3000;
-
 LockState StateAfter(DWORD waitResult) noexcept {
     switch (waitResult) {
     case WAIT_OBJECT_0:

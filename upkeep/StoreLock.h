@@ -8,6 +8,9 @@
 
 namespace tsl {
 
+// For the lock of the user id list, which the component waits for without end.
+inline constexpr DWORD kUserIdListTimeoutMilliseconds = 3000;
+
 enum class LockState {
     Free,
     Held,      // by another process for the whole wait

@@ -14,10 +14,6 @@ namespace tsl {
 
 namespace {
 
-std::wstring FolderOf(const std::wstring& path) {
-    return std::filesystem::path(path).parent_path().wstring();
-}
-
 void Require(const FileSum& sum, const BackupFile& file) {
     if (sum == file.sum) return;
     throw CFailure(ExitCode::Damaged,

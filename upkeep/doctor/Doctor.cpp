@@ -1,7 +1,6 @@
 #include "upkeep/doctor/Doctor.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 
 #include "base/Hresult.h"
@@ -9,6 +8,7 @@
 #include "console/Text.h"
 #include "files/UserIdList.h"
 #include "store/StoreLocks.h"
+#include "upkeep/StoreFiles.h"
 #include "upkeep/doctor/CounterCheck.h"
 #include "upkeep/doctor/DatabaseCheck.h"
 #include "upkeep/doctor/FolderCheck.h"
@@ -19,9 +19,6 @@
 namespace tsl {
 
 namespace {
-
-// The component waits for this one without end.
-constexpr DWORD kLoginInfoTimeoutMilliseconds = 3000;
 
 // What a check throws becomes a finding, and whether it threw is told.
 template <class Check>
@@ -39,10 +36,6 @@ bool Guard(const std::string& subject, Findings& findings, Check check) {
     }
     findings.push_back(Barred(subject, "cannot be examined: " + reason));
     return false;
-}
-
-std::wstring FolderOf(const std::wstring& file) {
-    return std::filesystem::path(file).parent_path().wstring();
 }
 
 void CheckDatabases(const StorePaths& store, KnownIds& ids, Findings& findings) {
@@ -80,7 +73,7 @@ Findings Examine(const StorePaths& store, const std::wstring& pluginPath) {
         CheckCounter(store.counter, ids, findings);
     });
     Guard("UserIdList.dat", findings, [&] {
-        const CStoreLock lock(kLoginInfoMutexName, kLoginInfoTimeoutMilliseconds);
+        const CStoreLock lock(kLoginInfoMutexName, kUserIdListTimeoutMilliseconds);
         findings.push_back(TellLock(lock, "LoginInfo lock"));
         CheckUserList(store.userIds, findings);
     });

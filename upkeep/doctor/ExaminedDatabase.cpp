@@ -14,8 +14,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr wchar_t kWriteAheadEnding[] = L"-wal";
-
 // From here on an examination takes longer than copying the file.
 bool IsLarge(const std::wstring& path) {
     constexpr std::uintmax_t kLargeBytes = std::uintmax_t{4} << 20;
@@ -38,8 +36,8 @@ std::wstring MakeFolder() {
 CTemporaryCopy::CTemporaryCopy(const std::wstring& database) : m_folder(MakeFolder()) {
     try {
         Add(database, L"");
-        Add(database, JournalOf(L"").c_str());
-        Add(database, kWriteAheadEnding);
+        for (const wchar_t* const suffix : kCompanionSuffixes)
+            Add(database, suffix);
     } catch (...) {
         Remove();
         throw;

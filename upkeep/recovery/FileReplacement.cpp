@@ -6,7 +6,7 @@
 #include "base/Handle.h"
 #include "base/Hresult.h"
 #include "console/Failure.h"
-#include "upkeep/recovery/SourceFile.h"
+#include "upkeep/StoreFiles.h"
 
 namespace tsl {
 
@@ -20,10 +20,6 @@ std::wstring WithAddition(const std::wstring& path, const std::wstring& addition
     name += L"." + addition;
     name += whole.extension();
     return (whole.parent_path() / name).wstring();
-}
-
-bool IsThere(const std::wstring& path) {
-    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool Move(const std::wstring& from, const std::wstring& to, DWORD flags = 0) {
@@ -46,7 +42,7 @@ public:
             m_moved.push_back({from, kept + suffix});
         }
         // Only hosts that are in the file have a use for it.
-        DeleteFileW((path + L"-shm").c_str());
+        DeleteFileW((path + kLogIndexSuffix).c_str());
     }
 
     void Restore() {

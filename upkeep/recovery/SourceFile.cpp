@@ -44,8 +44,9 @@ void Settle(const std::wstring& database) {
 
 void RemoveWithCompanions(const std::wstring& database) {
     DeleteFileW(database.c_str());
-    for (const wchar_t* const suffix : {L"-journal", L"-wal", L"-shm"})
+    for (const wchar_t* const suffix : kCompanionSuffixes)
         DeleteFileW((database + suffix).c_str());
+    DeleteFileW((database + kLogIndexSuffix).c_str());
 }
 
 } // namespace
