@@ -14,7 +14,7 @@ namespace tsl {
 
 struct StoreFile {
     const wchar_t* name;
-    std::wstring StorePaths::*path;
+    std::wstring StorePaths::* path;
     bool isDatabase;
 
     const std::wstring& In(const StorePaths& store) const { return store.*path; }

@@ -82,7 +82,7 @@ std::map<UINT32, int> RowsById(const std::string& table) {
 
 // Each record as often as expected, and no other record.
 void ExpectRows(const std::string& table, const std::map<UINT32, Expectation>& expected,
-                int Expectation::*count) {
+                int Expectation::* count) {
     std::map<UINT32, int> rows = RowsById(table);
     for (const auto& [id, expectation] : expected) {
         EXPECT_EQ(expectation.*count, rows[id])

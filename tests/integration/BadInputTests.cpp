@@ -58,16 +58,10 @@ constexpr BadAction kBadActions[] = {
     {"TimeThatIsNoNumber",
      [](auto& a) { a.Date(kKeyActionTime, std::numeric_limits<double>::quiet_NaN()); }, S_OK, 1},
     {"UllValuesOfText", [](auto& a) { a.Text(kKeyUllValues, L"1"); }, E_INVALIDARG, 0},
-    {"UllValuesOfSmallerNumbers",
-     [](auto& a) {
-         a.template Array<LONG>(kKeyUllValues, {1, 2, 3});
-     },
+    {"UllValuesOfSmallerNumbers", [](auto& a) { a.template Array<LONG>(kKeyUllValues, {1, 2, 3}); },
      E_INVALIDARG, 0},
     {"UsValuesOfLargerNumbers",
-     [](auto& a) {
-         a.template Array<ULONGLONG>(kKeyUsValues, {1, 2, 3});
-     },
-     E_INVALIDARG, 0},
+     [](auto& a) { a.template Array<ULONGLONG>(kKeyUsValues, {1, 2, 3}); }, E_INVALIDARG, 0},
     {"IntValuesOfFloats", [](auto& a) { a.template Array<FLOAT>(kKeyIntValues, {1.5f}); },
      E_INVALIDARG, 0},
     {"BoolValuesOfShorts", [](auto& a) { a.template Array<USHORT>(kKeyBoolValues, {1}); },

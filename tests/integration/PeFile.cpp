@@ -58,7 +58,7 @@ IMAGE_DATA_DIRECTORY PeFile::Directory(size_t index) const {
 }
 
 template <class Descriptor>
-void PeFile::AddModules(size_t directory, DWORD Descriptor::*name,
+void PeFile::AddModules(size_t directory, DWORD Descriptor::* name,
                         std::vector<std::string>& modules) const {
     const DWORD address = Directory(directory).VirtualAddress;
     if (address == 0) return;

@@ -28,7 +28,7 @@ private:
     std::string Text(DWORD address) const;
     IMAGE_DATA_DIRECTORY Directory(size_t index) const;
     template <class Descriptor>
-    void AddModules(size_t directory, DWORD Descriptor::*name,
+    void AddModules(size_t directory, DWORD Descriptor::* name,
                     std::vector<std::string>& modules) const;
 
     Bytes m_bytes;

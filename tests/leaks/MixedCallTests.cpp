@@ -98,10 +98,7 @@ private:
              return Ask(kCommandQueryIds,
                         ContainerBuilder().Ui4(kKeyUserId, kUser).Ui4(kKeyFirstRecordId, 1));
          }},
-        {S_OK,
-         [&] {
-             return Ask(kCommandQueryRecords, Ids({1, 2, 3, 70000}));
-         }},
+        {S_OK, [&] { return Ask(kCommandQueryRecords, Ids({1, 2, 3, 70000})); }},
         {S_OK, [&] { return Record(L"deleteItem", 1); }},
         {S_OK, [&] { return Ask(kCommandQueryAllIds, ContainerBuilder()); }},
         {S_OK,

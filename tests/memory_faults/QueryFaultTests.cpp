@@ -129,10 +129,7 @@ TEST_F(QueryFaults, LeaveAllIdsWholeOrUnanswered) {
         .prepare = {},
         .run = [&] { return Ask(kCommandQueryAllIds, ContainerBuilder()); },
         .allowed = kOfIdLists,
-        .check =
-            [&](const Outcome& outcome) {
-                ExpectIds(outcome, kKeyItemId, {11, 12, 13});
-            },
+        .check = [&](const Outcome& outcome) { ExpectIds(outcome, kKeyItemId, {11, 12, 13}); },
     });
 }
 

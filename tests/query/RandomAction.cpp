@@ -98,12 +98,12 @@ RandomAction RandomActions::Make(UINT32 id) {
     if (action.app != 0) action.container.I4(kKeyAppId, action.app);
 
     const auto decimal = [](auto value) { return std::to_wstring(value); };
-    const auto ids = Numbers<ULONGLONG>(
-        action, kKeyUllValues, [&] { return Bits() >> Below(64); }, decimal);
-    const auto shorts = Numbers<USHORT>(
-        action, kKeyUsValues, [&] { return static_cast<USHORT>(Bits()); }, decimal);
-    const auto numbers = Numbers<LONG>(
-        action, kKeyIntValues, [&] { return static_cast<LONG>(Bits()); }, decimal);
+    const auto ids =
+        Numbers<ULONGLONG>(action, kKeyUllValues, [&] { return Bits() >> Below(64); }, decimal);
+    const auto shorts =
+        Numbers<USHORT>(action, kKeyUsValues, [&] { return static_cast<USHORT>(Bits()); }, decimal);
+    const auto numbers =
+        Numbers<LONG>(action, kKeyIntValues, [&] { return static_cast<LONG>(Bits()); }, decimal);
     const auto flags = Numbers<VARIANT_BOOL>(
         action, kKeyBoolValues, [&] { return static_cast<VARIANT_BOOL>(Below(3) - 1); },
         [](VARIANT_BOOL flag) { return flag ? L"1" : L"0"; });

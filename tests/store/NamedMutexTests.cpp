@@ -151,7 +151,9 @@ TEST_F(NamedMutex, HeldByAnotherProcessIsWaitedForThenGivenUp) {
 
 TEST_F(NamedMutex, CanBeHadOnceTheOtherProcessLetsGo) {
     CNamedMutex mutex(Name());
-    { const MutexHolder holder(Name()); }
+    {
+        const MutexHolder holder(Name());
+    }
     mutex.Acquire(kLong);
     EXPECT_TRUE(mutex.IsHeld());
 }

@@ -60,7 +60,9 @@ TEST_F(Transaction, ThatGoesWithoutACommitIsRolledBack) {
 TEST_F(Transaction, ThatWasNeverBegunLeavesOthersAlone) {
     ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"BEGIN"));
     ASSERT_EQ(kSqliteOk, Insert());
-    { const CTransaction transaction(m_database); }
+    {
+        const CTransaction transaction(m_database);
+    }
     ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"COMMIT"));
     EXPECT_EQ("1", Count());
 }
