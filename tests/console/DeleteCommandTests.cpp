@@ -1,17 +1,10 @@
 // tslhost delete, and take of what deletions keep, run as a user runs them.
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
-
-namespace {
-
-std::string Rows() {
-    return FileDatabase(ActionLogPath()).Value("SELECT count(*) FROM TslIf_DbActionLog");
-}
-
-} // namespace
 
 class DeleteCommand : public StoreTest {
 protected:
@@ -31,28 +24,28 @@ TEST_F(DeleteCommand, SaysHowManyAndRemovesNothingWithoutYes) {
     EXPECT_EQ(2, result.exitCode);
     EXPECT_EQ("4 records would be removed\n", result.output);
     EXPECT_EQ("tslhost: nothing was removed; add --yes to remove them\n", result.errors);
-    EXPECT_EQ("6", Rows());
+    EXPECT_EQ(6, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(DeleteCommand, DryRunRemovesNothingEvenWithYes) {
     const ConsoleResult result = RunConsole(L"delete --user 2 --last 4 --dry-run --yes");
     EXPECT_EQ(0, result.exitCode);
     EXPECT_EQ("2 records would be removed\n", result.output);
-    EXPECT_EQ("6", Rows());
+    EXPECT_EQ(6, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(DeleteCommand, RemovesARangeOfIdsOfOneUserAndKind) {
     const ConsoleResult result = RunConsole(L"delete --user 1 --first 1 --last 6 --yes");
     EXPECT_EQ(0, result.exitCode) << result.errors;
     EXPECT_EQ("1 record removed\n", result.output);
-    EXPECT_EQ("5", Rows());
+    EXPECT_EQ(5, CountRows(ActionLogPath(), kActionLogRows));
     EXPECT_EQ("1 record removed\n", RunConsole(L"delete --user 1 --first 1 --kind 8 --yes").output);
 }
 
 TEST_F(DeleteCommand, RemovesARangeOfTimes) {
     EXPECT_EQ("4 records removed\n",
               RunConsole(L"delete --user 2 --since 2020-01-01T00:00:00Z --yes").output);
-    EXPECT_EQ("2", Rows());
+    EXPECT_EQ(2, CountRows(ActionLogPath(), kActionLogRows));
     const ConsoleResult again = RunConsole(L"delete --user 2 --since 2020-01-01T00:00:00Z --yes");
     EXPECT_EQ(1, again.exitCode);
     EXPECT_EQ("0 records would be removed\n", again.output);
@@ -61,10 +54,10 @@ TEST_F(DeleteCommand, RemovesARangeOfTimes) {
 TEST_F(DeleteCommand, RemovesOneRecordOfUserOne) {
     EXPECT_EQ("{\"records\":1,\"removed\":true}\n",
               RunConsole(L"delete --user 1 --id 1 --yes --json").output);
-    EXPECT_EQ("5", Rows());
+    EXPECT_EQ(5, CountRows(ActionLogPath(), kActionLogRows));
     EXPECT_EQ(1, RunConsole(L"delete --user 1 --id 3 --yes").exitCode) << "of another user";
     EXPECT_EQ(2, RunConsole(L"delete --user 2 --id 3 --yes").exitCode);
-    EXPECT_EQ("5", Rows());
+    EXPECT_EQ(5, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(DeleteCommand, WantsOneFormAndAUser) {
@@ -75,7 +68,7 @@ TEST_F(DeleteCommand, WantsOneFormAndAUser) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(arguments)));
         EXPECT_EQ(2, RunConsole(arguments).exitCode);
     }
-    EXPECT_EQ("6", Rows());
+    EXPECT_EQ(6, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(DeleteCommand, TakeShowsAKeptRecordOnceAndWhatWentToTheSink) {

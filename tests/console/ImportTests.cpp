@@ -2,7 +2,7 @@
 #include <windows.h>
 
 #include "tests/console/ConsoleRun.h"
-#include "tests/support/FileDatabase.h"
+#include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -10,10 +10,6 @@ namespace tsl::test {
 namespace {
 
 constexpr char kGoodLine[] = "{\"name\":\"playItem\",\"app\":1,\"user\":1}\n";
-
-std::string Rows() {
-    return FileDatabase(ActionLogPath()).Value("SELECT count(*) FROM TslIf_DbActionLog");
-}
 
 } // namespace
 
@@ -24,7 +20,7 @@ TEST_F(Import, RecordsEveryLineOfStandardInput) {
     EXPECT_EQ(0, result.exitCode) << result.errors;
     EXPECT_EQ(0u, result.output.find("2 recorded, 0 bad, ")) << result.output;
     EXPECT_EQ("", result.errors) << "no progress unless it is a terminal";
-    EXPECT_EQ("2", Rows());
+    EXPECT_EQ(2, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(Import, ReadsAFileWithWindowsLineEndsMarkAndBlankLines) {
@@ -36,7 +32,7 @@ TEST_F(Import, ReadsAFileWithWindowsLineEndsMarkAndBlankLines) {
     const ConsoleResult result = RunConsole(L"import \"" + file.wstring() + L"\"");
     std::filesystem::remove(file);
     EXPECT_EQ(0, result.exitCode) << result.errors;
-    EXPECT_EQ("2", Rows());
+    EXPECT_EQ(2, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(Import, NamesABadLineAndGoesOn) {
@@ -48,7 +44,7 @@ TEST_F(Import, NamesABadLineAndGoesOn) {
     EXPECT_NE(std::string::npos, result.errors.find("tslhost: -:5: \"user\" is missing\n"))
         << result.errors;
     EXPECT_EQ(0u, result.output.find("2 recorded, 2 bad, ")) << result.output;
-    EXPECT_EQ("2", Rows());
+    EXPECT_EQ(2, CountRows(ActionLogPath(), kActionLogRows));
 }
 
 TEST_F(Import, SummaryIsJsonWhenAskedFor) {

@@ -1,12 +1,11 @@
 // A step that fails ends the work on its item, not that on the next; the last step tells the
 // result.
 #include "tests/content_move/ContentMoveFixture.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kRefused = E_ACCESSDENIED;
 
 // Success codes that are not S_OK.
 constexpr HRESULT kOtherSuccess = 0x00041500;

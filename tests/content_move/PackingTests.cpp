@@ -1,12 +1,12 @@
 // Packing properties for the content store: whole lists of new containers, or none.
 #include "recording/ContentProperties.h"
 #include "tests/content_move/ContentMoveFixture.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
 
-constexpr HRESULT kRefused = E_ACCESSDENIED;
 constexpr int kStepsOfOne = 5; // creation, stamping, three values
 
 } // namespace

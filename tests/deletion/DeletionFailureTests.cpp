@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "tests/deletion/DeletionFixture.h"
+#include "tests/support/Failures.h"
 #include "tests/support/ProcessMeasures.h"
 
 namespace tsl::test {
@@ -9,13 +10,6 @@ namespace tsl::test {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr HRESULT kEngineError = static_cast<HRESULT>(0x80041600);
-constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
-constexpr HRESULT kEngineReadOnly = static_cast<HRESULT>(0x80041607);
-constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
-constexpr HRESULT kEngineConstraint = static_cast<HRESULT>(0x80041612);
-constexpr HRESULT kEngineNotADatabase = static_cast<HRESULT>(0x80041619);
 
 // Lets others do with the file what share says.
 CHandle HoldDatabaseOpen(DWORD share) {

@@ -1,17 +1,11 @@
 // What the host is told: the result of the replay log's write, and nothing of the others.
 #include "tests/dispatch/DispatchFixture.h"
 #include "tests/dispatch/FullAction.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
-constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
-
-} // namespace
 
 class DispatchResult : public DispatchTest {
 protected:

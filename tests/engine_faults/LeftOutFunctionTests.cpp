@@ -10,7 +10,7 @@ namespace tsl::test {
 
 namespace {
 
-constexpr int kEngineError = 1;
+constexpr int kPlainError = 1;
 
 constexpr EngineEntry kReportingEntries[] = {EngineEntry::Prepare16V2, EngineEntry::BindInt64,
                                              EngineEntry::BindText16,  EngineEntry::BindDouble,
@@ -119,7 +119,7 @@ private:
     // Nothing fails for lack of a function that is never called.
     Expected ExpectedIfAllFail(const Operation& operation, EngineEntry entry) {
         WhatWasLearned().before.PutBack();
-        Perform(operation, {.entry = entry, .call = 1, .code = kEngineError, .lasting = true});
+        Perform(operation, {.entry = entry, .call = 1, .code = kPlainError, .lasting = true});
         const Expectation expected = ExpectationOf(operation, Engine().State());
         return {expected.result, expected.answered ? WhatWasLearned().answer : kNoAnswer,
                 After(operation, WhatWasLearned().before.Contents(), expected.done)};

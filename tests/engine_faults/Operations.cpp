@@ -14,7 +14,7 @@ namespace {
 
 constexpr UINT32 kTweets = 16; // under this log kind tweets go to the replay log alone
 
-constexpr char kColumns[] =
+constexpr char kTableColumns[] =
     " (ActionLogId INTEGER,UsedLog INTEGER,AppId INTEGER,AppName TEXT,UserId INTEGER,"
     "ActionName TEXT,ActionParameters TEXT,AppLoggedTime REAL,PluginLoggedTime REAL,"
     "PreActionName TEXT, PreActionParameters TEXT,PreLoggedTime INTEGER,LogKind INTEGER)";
@@ -45,7 +45,7 @@ std::string InsertText(const std::string& table, const OldRecord& record) {
 }
 
 void MakeTable(const std::string& table, const std::vector<OldRecord>& records) {
-    std::string text = "BEGIN; CREATE TABLE " + table + kColumns + ";";
+    std::string text = "BEGIN; CREATE TABLE " + table + kTableColumns + ";";
     for (const OldRecord& record : records)
         text += InsertText(table, record);
     FileDatabase(FileOf(table), /*create=*/true).Query(text + "COMMIT");

@@ -3,15 +3,9 @@
 
 #include "files/TextActionLog.h"
 #include "tests/files/ScratchFolder.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
-
-namespace {
-
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-constexpr HRESULT kPathNotFound = static_cast<HRESULT>(0x80070003);
-
-} // namespace
 
 class AdvanceCounterTest : public ScratchTest {
 protected:

@@ -4,6 +4,7 @@
 
 #include "files/TextActionLog.h"
 #include "tests/files/ScratchFolder.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
@@ -11,7 +12,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-constexpr HRESULT kAlreadyExists = static_cast<HRESULT>(0x800700B7);
 constexpr UINT32 kUntouched = 77;
 
 } // namespace

@@ -2,13 +2,12 @@
 #include "files/Paths.h"
 #include "files/TextActionLog.h"
 #include "tests/files/ScratchFolder.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
 
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-constexpr HRESULT kPathNotFound = static_cast<HRESULT>(0x80070003);
 constexpr UINT32 kUntouched = 77;
 constexpr UINT32 kHighest = 0xFFFFFFFF;
 

@@ -4,15 +4,13 @@
 #include <gmock/gmock.h>
 
 #include "tests/files/ScratchFolder.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
 
 using ::testing::ElementsAreArray;
-
-constexpr HRESULT kAlreadyExists = static_cast<HRESULT>(0x800700B7);
-constexpr HRESULT kFileNotFound = static_cast<HRESULT>(0x80070002);
 
 std::wstring TextOf(const std::wstring& path) {
     return ReadText(OpenTextFileForReading(path).file).value();

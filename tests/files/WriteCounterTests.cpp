@@ -2,16 +2,9 @@
 #include "files/TextActionLog.h"
 
 #include "tests/files/ScratchFolder.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
-
-namespace {
-
-constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
-constexpr HRESULT kPathNotFound = static_cast<HRESULT>(0x80070003);
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-
-} // namespace
 
 class WriteCounterTest : public ScratchTest {
 protected:

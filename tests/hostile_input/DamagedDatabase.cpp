@@ -11,9 +11,6 @@ namespace {
 
 constexpr size_t kHeaderSize = 100;
 
-// The page size that the file was made with.
-constexpr size_t kPageSize = 2048;
-
 // Fields of the header: where they are, how wide they are.
 struct Field {
     size_t offset;

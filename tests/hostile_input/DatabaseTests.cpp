@@ -15,8 +15,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT32 kPageSize = 2048;
-
 constexpr ULONGLONG kLongestOperationMilliseconds = 10'000;
 
 // What the engine's results become, and what the operations answer themselves.

@@ -22,7 +22,7 @@ namespace tsl::test {
 namespace {
 
 using Json = nlohmann::ordered_json;
-using Texts = std::vector<std::wstring>;
+using TextList = std::vector<std::wstring>;
 
 // Where each allocation counts: in the checked build it takes as long as a hundred others.
 constexpr size_t kUsualLength = 500;
@@ -37,7 +37,7 @@ constexpr size_t kBriefly = 20'000;
 struct Lists {
     std::vector<UINT64> ids;
     std::vector<INT32> numbers;
-    Texts texts;
+    TextList texts;
 
     bool operator==(const Lists&) const = default;
     friend void PrintTo(const Lists& lists, std::ostream* output) {
@@ -57,8 +57,8 @@ Lists Decode(const std::wstring& parameters) {
 }
 
 // The items of a list by the rules of the format, unit by unit.
-Texts ModelItems(const std::wstring& parameters, const wchar_t* name) {
-    Texts items;
+TextList ModelItems(const std::wstring& parameters, const wchar_t* name) {
+    TextList items;
     std::wstring item;
     bool open = false;
     for (size_t at = parameters.find(name); at < parameters.size(); ++at) {
@@ -156,7 +156,7 @@ std::wstring EncodeAll(const Json& lists) {
                                                                        : VARIANT_FALSE;
                                           }),
                      output, !output.empty(), false);
-    const Texts texts = ListOf<std::wstring>(lists, "stringValues", [](const Json& value) {
+    const TextList texts = ListOf<std::wstring>(lists, "stringValues", [](const Json& value) {
         return ToUtf16(value.get_ref<const std::string&>());
     });
     const std::vector<std::wstring_view> views(texts.begin(), texts.end());
@@ -173,47 +173,47 @@ void ExpectTheConsoleReadsIt(const std::wstring& parameters) {
         << testing::PrintToString(parameters);
 }
 
-const Texts kPieces = {L"ullValues={",
-                       L"usValues={",
-                       L"intValues={",
-                       L"boolValues={",
-                       L"stringValues={",
-                       L"floatValues={",
-                       L"ullValues=",
-                       L"intValues",
-                       L"stringValues=",
-                       L"}&",
-                       L"},",
-                       L"{}",
-                       L"{,}",
-                       L",,",
-                       L"&",
-                       L"}",
-                       L"{",
-                       L"=",
-                       L"%",
-                       L"%2",
-                       L"%7",
-                       L"%%",
-                       L"%25",
-                       L"%252c",
-                       L"%2c",
-                       L"%2C",
-                       L"%7d",
-                       L"%7D",
-                       L"%zz",
-                       L"%u0041",
-                       L"%00",
-                       L" \t",
-                       L" ,",
-                       L"\t,",
-                       std::wstring(1, L'\0'),
-                       L"\xD800",
-                       L"\xDC00",
-                       L"nullValues={1}",
-                       L"1.5",
-                       L"0",
-                       L"1"};
+const TextList kPieces = {L"ullValues={",
+                          L"usValues={",
+                          L"intValues={",
+                          L"boolValues={",
+                          L"stringValues={",
+                          L"floatValues={",
+                          L"ullValues=",
+                          L"intValues",
+                          L"stringValues=",
+                          L"}&",
+                          L"},",
+                          L"{}",
+                          L"{,}",
+                          L",,",
+                          L"&",
+                          L"}",
+                          L"{",
+                          L"=",
+                          L"%",
+                          L"%2",
+                          L"%7",
+                          L"%%",
+                          L"%25",
+                          L"%252c",
+                          L"%2c",
+                          L"%2C",
+                          L"%7d",
+                          L"%7D",
+                          L"%zz",
+                          L"%u0041",
+                          L"%00",
+                          L" \t",
+                          L" ,",
+                          L"\t,",
+                          std::wstring(1, L'\0'),
+                          L"\xD800",
+                          L"\xDC00",
+                          L"nullValues={1}",
+                          L"1.5",
+                          L"0",
+                          L"1"};
 
 std::vector<std::wstring> Samples() {
     std::vector<std::wstring> samples = {

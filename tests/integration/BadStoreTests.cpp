@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "tests/integration/Aftermath.h"
+#include "tests/support/Failures.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/PluginFixture.h"
 
@@ -11,12 +12,6 @@ namespace tsl::test {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr HRESULT kEngineReadOnly = static_cast<HRESULT>(0x80041607);
-constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
-constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
-constexpr HRESULT kEngineNotADatabase = static_cast<HRESULT>(0x80041619);
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
 
 // Opens a file and lets others do with it what share says.
 CHandle HoldOpen(const fs::path& file, DWORD share) {

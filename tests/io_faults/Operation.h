@@ -24,6 +24,9 @@ HRESULT Record(ITslPluginDb2& plugin, UINT32 id, const wchar_t* name, UINT32 use
 // Whether the record is handed out by its id.
 bool IsHandedOut(ITslPluginDb2& plugin, UINT32 id);
 
+// Extra letters that make an action take several pages.
+inline constexpr size_t kLongText = 6000;
+
 // An action goes to the action log and to the replay log. A long one takes several pages.
 Operation Recording(ITslPluginDb2& plugin, UINT32 id, size_t extraLetters = 0);
 // It is also kept to be taken.

@@ -3,12 +3,6 @@
 
 namespace tsl::test {
 
-namespace {
-
-constexpr size_t kLongText = 6000;
-
-} // namespace
-
 class RecordingFaults : public IoFaultTest {
 protected:
     // A counter file, and no database.

@@ -3,12 +3,6 @@
 
 namespace tsl::test {
 
-namespace {
-
-constexpr size_t kLongText = 6000;
-
-} // namespace
-
 class RecoveryFaults : public IoFaultTest {
 protected:
     // A long record was being written when the power went.

@@ -2,6 +2,7 @@
 #include "base/Handle.h"
 #include "component/host/CommandCodes.h"
 #include "tests/io_faults/IoFaultFixture.h"
+#include "tests/support/Failures.h"
 #include "tests/support/StoreChecks.h"
 
 #include <tlhelp32.h>
@@ -11,9 +12,6 @@
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kEngineIoError = static_cast<HRESULT>(0x80041609);
-constexpr HRESULT kEngineFull = static_cast<HRESULT>(0x8004160C);
 
 int CountModules(const std::wstring& name) {
     const CHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, /*process: this*/ 0));

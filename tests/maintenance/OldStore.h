@@ -6,19 +6,11 @@
 #include <vector>
 
 #include "tests/integration/Aftermath.h"
+#include "tests/support/Failures.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/PluginFixture.h"
 
 namespace tsl::test {
-
-// What the engine's results become.
-inline constexpr HRESULT kEngineError = static_cast<HRESULT>(0x80041600);
-inline constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
-inline constexpr HRESULT kEngineReadOnly = static_cast<HRESULT>(0x80041607);
-inline constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
-inline constexpr HRESULT kEngineConstraint = static_cast<HRESULT>(0x80041612);
-inline constexpr HRESULT kEngineNotADatabase = static_cast<HRESULT>(0x80041619);
-inline constexpr HRESULT kEngineNoRow = static_cast<HRESULT>(0x80041701);
 
 inline constexpr char kIdTable[] = "TslIf_ActionRecordId";
 

@@ -6,8 +6,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kAsk = 0x0400000b01000000;
-
 // An object that is no parameter container.
 class PlainUnknown final : public IUnknown {
 public:
@@ -35,7 +33,7 @@ class AllIds : public QueryTest {};
 
 TEST_F(AllIds, AreThoseOfUserOne) {
     StoreTaken({{.id = 10, .user = 1}, {.id = 11, .user = 2}, {.id = 12, .user = 1}});
-    ExpectIds({10, 12}, kAsk, ContainerBuilder());
+    ExpectIds({10, 12}, kAskForAllIds, ContainerBuilder());
 }
 
 TEST_F(AllIds, AreThoseOfUserOneUnderEveryLogKindButTwo) {
@@ -43,7 +41,7 @@ TEST_F(AllIds, AreThoseOfUserOneUnderEveryLogKindButTwo) {
     StoreTaken({{.id = 10, .user = 1, .logKind = 2}, {.id = 11, .user = 65}});
     for (const UINT32 logKind : {0u, 1u, 3u, 8u, 16u, 0xFFFFFFFFu}) {
         ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(logKind));
-        ExpectIds({10}, kAsk, ContainerBuilder());
+        ExpectIds({10}, kAskForAllIds, ContainerBuilder());
     }
 }
 
@@ -51,18 +49,18 @@ TEST_F(AllIds, AreThoseOfTheCurrentUserUnderLogKindTwo) {
     NumberUsersFrom65();
     StoreTaken({{.id = 10, .user = 1}, {.id = 11, .user = 65}, {.id = 12, .user = 64}});
     ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(2));
-    ExpectIds({11}, kAsk, ContainerBuilder());
+    ExpectIds({11}, kAskForAllIds, ContainerBuilder());
 }
 
 TEST_F(AllIds, AreNotThoseOfTheUserInTheContainer) {
     StoreTaken({{.id = 10, .user = 1}, {.id = 11, .user = 2}});
-    ExpectIds({10}, kAsk, ContainerBuilder().Ui4(0x0200002100000013, 2));
+    ExpectIds({10}, kAskForAllIds, ContainerBuilder().Ui4(0x0200002100000013, 2));
 }
 
 TEST_F(AllIds, AreNotThoseOfTheActionLog) {
     StoreLog({{.id = 20, .user = 1}});
     StoreTaken({{.id = 10, .user = 1}});
-    ExpectIds({10}, kAsk, ContainerBuilder());
+    ExpectIds({10}, kAskForAllIds, ContainerBuilder());
 }
 
 TEST_F(AllIds, RunFromOneToTheHighestId) {
@@ -71,30 +69,30 @@ TEST_F(AllIds, RunFromOneToTheHighestId) {
                 {.id = 1, .user = 1},
                 {.id = 0xFFFFFFFF, .user = 1},
                 {.id = 0x100000000, .user = 1}});
-    ExpectIds({1, 0xFFFFFFFF}, kAsk, ContainerBuilder());
+    ExpectIds({1, 0xFFFFFFFF}, kAskForAllIds, ContainerBuilder());
 }
 
 TEST_F(AllIds, NeedNothingOfTheContainer) {
     StoreTaken({{.id = 10, .user = 1}});
     PlainUnknown noContainer;
-    ExpectIds({10}, kAsk, &noContainer);
+    ExpectIds({10}, kAskForAllIds, &noContainer);
     EXPECT_EQ(1u, noContainer.references);
     ScriptedContainer unread(ContainerBuilder().Get());
-    ExpectIds({10}, kAsk, &unread);
+    ExpectIds({10}, kAskForAllIds, &unread);
     EXPECT_TRUE(unread.keysRead.empty());
 }
 
 TEST_F(AllIds, OfAUserWithoutRecordsAreAnInvalidArgument) {
-    ExpectNoAnswer(E_INVALIDARG, kAsk, ContainerBuilder());
+    ExpectNoAnswer(E_INVALIDARG, kAskForAllIds, ContainerBuilder());
     StoreTaken({{.id = 11, .user = 2}});
-    ExpectNoAnswer(E_INVALIDARG, kAsk, ContainerBuilder());
+    ExpectNoAnswer(E_INVALIDARG, kAskForAllIds, ContainerBuilder());
 }
 
 TEST_F(AllIds, AreAnsweredAtOnceWhileAnotherProcessHoldsTheDatabaseLock) {
     StoreTaken({{.id = 10, .user = 1}});
     const MutexHolder holder(kSqliteAccessLock);
     const ULONGLONG start = GetTickCount64();
-    ExpectIds({10}, kAsk, ContainerBuilder());
+    ExpectIds({10}, kAskForAllIds, ContainerBuilder());
     EXPECT_LT(GetTickCount64() - start, 2000u);
 }
 

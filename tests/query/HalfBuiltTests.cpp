@@ -1,17 +1,11 @@
 // The host's containers fail at every step in turn: what is answered, and that nothing half-built
 // is handed out or left alive.
 #include "tests/query/QueryFixture.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr UINT64 kUser = 0x0200002100000013;
-constexpr UINT64 kFirst = 0x0200001800000013;
-constexpr UINT64 kIdsToFetch = 0x0200002300002013;
-constexpr UINT64 kIdToTake = 0x0200001100002015;
-
-constexpr HRESULT kRefused = E_ACCESSDENIED;
 
 struct IdQuery {
     const char* name;
@@ -127,7 +121,7 @@ protected:
         Containers().Restart(std::move(failures));
         CVariant ids = MakeArray<LONG>(std::vector<LONG>{1, 2, 3});
         ids.Address()->vt = VT_ARRAY | VT_UI4;
-        return Ask(0x0400000901000000, ContainerBuilder().Set(kIdsToFetch, std::move(ids)),
+        return Ask(0x0400000901000000, ContainerBuilder().Set(kIdList, std::move(ids)),
                    answer.Address());
     }
 };

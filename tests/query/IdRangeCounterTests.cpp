@@ -5,15 +5,6 @@
 
 namespace tsl::test {
 
-namespace {
-
-constexpr UINT64 kAsk = 0x0400000801000000;
-constexpr UINT64 kUser = 0x0200002100000013;
-constexpr UINT64 kFirst = 0x0200001800000013;
-constexpr UINT64 kLast = 0x0200001900000013;
-
-} // namespace
-
 class IdRangeCounter : public QueryTest {
 protected:
     void SetUp() override {
@@ -29,13 +20,13 @@ protected:
     // What the query itself finds does not matter here.
     void AskFrom(UINT32 first) {
         CVariant answer;
-        Ask(kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, first), answer.Address());
+        Ask(kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, first), answer.Address());
     }
 };
 
 TEST_F(IdRangeCounter, IsRaisedToOneBelowTheFirstId) {
     WriteCounterText(L"00000041\t\r\n");
-    ExpectNoAnswer(E_INVALIDARG, kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 1000));
+    ExpectNoAnswer(E_INVALIDARG, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 1000));
     ExpectCounterText(L"00000999\t\r\n");
     CVariant answer;
     ASSERT_EQ(S_OK, Ask(0x0400000102000000, ContainerBuilder(), answer.Address()));
@@ -79,12 +70,12 @@ TEST_F(IdRangeCounter, IsNeverLowered) {
 
 TEST_F(IdRangeCounter, StaysWhenOnlyALastIdIsGiven) {
     WriteCounterText(L"00000002\t\r\n");
-    ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kLast, 900));
+    ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kLast, 900));
     ExpectCounterText(L"00000002\t\r\n");
 }
 
 TEST_F(IdRangeCounter, IsNotMadeWhenItIsMissing) {
-    ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
+    ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
     EXPECT_FALSE(std::filesystem::exists(CounterPath()));
 }
 
@@ -100,13 +91,13 @@ TEST_F(IdRangeCounter, IsRaisedAlsoWhenTheLastIdCannotBeRead) {
     WriteCounterText(L"00000002\t\r\n");
     ScriptedContainer request(ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 10).Get());
     request.getResults[kLast] = E_ACCESSDENIED;
-    ExpectNoAnswer(E_ACCESSDENIED, kAsk, &request);
+    ExpectNoAnswer(E_ACCESSDENIED, kAskForIds, &request);
     ExpectCounterText(L"00000009\t\r\n");
 }
 
 TEST_F(IdRangeCounter, StaysWhenNoUserIsGiven) {
     WriteCounterText(L"00000002\t\r\n");
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().Ui4(kFirst, 10));
+    ExpectNoAnswer(S_OK, kAskForIds, ContainerBuilder().Ui4(kFirst, 10));
     ExpectCounterText(L"00000002\t\r\n");
 }
 
@@ -116,7 +107,7 @@ TEST_F(IdRangeCounter, ThatAnotherProgramHasOpenIsLeftAndTheQueryAnswers) {
         const CHandle owner(CreateFileW(CounterPath().c_str(), GENERIC_READ, /*share=*/0, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(owner);
-        ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
+        ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
     }
     ExpectCounterText(L"00000002\t\r\n");
 }
@@ -127,7 +118,7 @@ TEST_F(IdRangeCounter, IsRaisedWithoutTheLockAfterTenSecondsOfWaitingEachTime) {
     const ULONGLONG start = GetTickCount64();
     {
         const MutexHolder holder(kLogIdLock);
-        ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
+        ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
     }
     EXPECT_GE(GetTickCount64() - start, 19800u);
     ExpectCounterText(L"00000004\t\r\n");

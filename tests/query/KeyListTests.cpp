@@ -7,11 +7,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kAsk = 0x0400000801000000;
-constexpr UINT64 kUser = 0x0200002100000013;
-constexpr UINT64 kFirst = 0x0200001800000013;
-constexpr UINT64 kLast = 0x0200001900000013;
-
 // A container of user 7 whose key list is the test's own.
 class ListedContainer final : public ITslParamContainer {
 public:
@@ -55,8 +50,8 @@ protected:
         StoreLog({{.id = 1}, {.id = 2, .logKind = 16}});
     }
     // Only a range of ids goes by the log kind.
-    void ExpectIdRange() { ExpectIds({1}, kAsk, &m_request); }
-    void ExpectTimeRange() { ExpectIds({1, 2}, kAsk, &m_request); }
+    void ExpectIdRange() { ExpectIds({1}, kAskForIds, &m_request); }
+    void ExpectTimeRange() { ExpectIds({1, 2}, kAskForIds, &m_request); }
 
     ListedContainer m_request;
 };
@@ -117,7 +112,7 @@ TEST_F(KeyList, ThatFailedIsNotLookedAt) {
 
 TEST_F(KeyList, ThatCannotBeHadForWantOfMemoryIsNotTakenForNone) {
     m_request.giveKeys = [](VARIANT*) { return E_OUTOFMEMORY; };
-    ExpectNoAnswer(E_OUTOFMEMORY, kAsk, &m_request);
+    ExpectNoAnswer(E_OUTOFMEMORY, kAskForIds, &m_request);
 }
 
 } // namespace tsl::test

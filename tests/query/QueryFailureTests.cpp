@@ -12,15 +12,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr UINT64 kTake = 0x0400000501000000;
-constexpr UINT64 kAllIds = 0x0400000b01000000;
-
 enum class Query { TimeRange, IdRange, WrappedRange, AllIds, Records, Take };
 
 UINT64 Code(Query query) {
     switch (query) {
     case Query::AllIds:
-        return kAllIds;
+        return kAskForAllIds;
     case Query::Records:
         return 0x0400000901000000;
     case Query::Take:

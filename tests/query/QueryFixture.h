@@ -10,6 +10,7 @@
 #include "console/ComInitialization.h"
 #include "console/PluginLibrary.h"
 #include "tests/support/Containers.h"
+#include "tests/support/Failures.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/HostContainers.h"
 #include "tests/support/StoreChecks.h"
@@ -17,11 +18,18 @@
 
 namespace tsl::test {
 
-inline constexpr HRESULT kEngineError = static_cast<HRESULT>(0x80041600);
-inline constexpr HRESULT kEngineBusy = static_cast<HRESULT>(0x80041604);
-inline constexpr HRESULT kEngineCorrupt = static_cast<HRESULT>(0x8004160A);
-inline constexpr HRESULT kEngineCannotOpen = static_cast<HRESULT>(0x8004160D);
-inline constexpr HRESULT kEngineNotADatabase = static_cast<HRESULT>(0x80041619);
+// Command codes and keys as hosts send them: numbers, not taken from the code under test.
+inline constexpr UINT64 kAskForIds = 0x0400000801000000;
+inline constexpr UINT64 kAskForAllIds = 0x0400000b01000000;
+inline constexpr UINT64 kAskForRecords = 0x0400000901000000;
+inline constexpr UINT64 kTake = 0x0400000501000000;
+inline constexpr UINT64 kUser = 0x0200002100000013;
+inline constexpr UINT64 kStart = 0x0200001600000007;
+inline constexpr UINT64 kEnd = 0x0200001700000007;
+inline constexpr UINT64 kFirst = 0x0200001800000013;
+inline constexpr UINT64 kLast = 0x0200001900000013;
+inline constexpr UINT64 kIdList = 0x0200002300002013;
+inline constexpr UINT64 kIdToTake = 0x0200001100002015;
 
 // What of a row the tests choose. Texts are SQL literals.
 struct StoredRow {

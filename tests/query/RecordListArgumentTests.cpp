@@ -5,9 +5,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kAsk = 0x0400000901000000;
-constexpr UINT64 kIds = 0x0200002300002013;
-
 // Hands out a copy of a VARIANT as it stands, also one that a container could not keep.
 class RawContainer final : public ITslParamContainer {
 public:
@@ -25,7 +22,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* /*code*/) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 /*code*/) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* made) override {
-        if (key != kIds) return S_FALSE;
+        if (key != kIdList) return S_FALSE;
         *made = value;
         if (makeArray) made->parray = makeArray();
         return result;
@@ -59,7 +56,7 @@ protected:
     }
     void ExpectRecordOne(ITslParamContainer& request) {
         CVariant answer = CVariant::FromUi4(42);
-        ASSERT_EQ(S_OK, Ask(kAsk, &request, answer.Address()));
+        ASSERT_EQ(S_OK, Ask(kAskForRecords, &request, answer.Address()));
         const AnswerContainers records = Unpack(answer.Get());
         ASSERT_EQ(1u, records.size());
         EXPECT_EQ(1u, ValueOf(*records[0], 0x0200002200000013).Get().ulVal);
@@ -67,13 +64,13 @@ protected:
 };
 
 TEST_F(RecordListArgument, MissingIsNoAnswer) {
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder());
+    ExpectNoAnswer(S_OK, kAskForRecords, ContainerBuilder());
 }
 
 TEST_F(RecordListArgument, ThatCannotBeReadIsReported) {
-    ScriptedContainer request(ContainerBuilder().Array<LONG>(kIds, {1}).Get());
-    request.getResults[kIds] = E_ACCESSDENIED;
-    ExpectNoAnswer(E_ACCESSDENIED, kAsk, &request);
+    ScriptedContainer request(ContainerBuilder().Array<LONG>(kIdList, {1}).Get());
+    request.getResults[kIdList] = E_ACCESSDENIED;
+    ExpectNoAnswer(E_ACCESSDENIED, kAskForRecords, &request);
     EXPECT_EQ(1u, request.References());
 }
 
@@ -83,7 +80,7 @@ TEST_F(RecordListArgument, OfATypeThatSharesNoBitIsNoAnswer) {
         request.value.vt = static_cast<VARTYPE>(VT_ARRAY | type);
         request.makeArray = type == VT_R4 ? [] { return MakeOnes(VT_R4, 0, 1); }
                                           : [] { return SafeArrayCreateVector(VT_BSTR, 0, 1); };
-        ExpectNoAnswer(S_OK, kAsk, &request);
+        ExpectNoAnswer(S_OK, kAskForRecords, &request);
     }
 }
 
@@ -118,7 +115,7 @@ TEST_F(RecordListArgument, OfAnotherElementSizeHoldsNoIds) {
         RawContainer request;
         request.value.vt = static_cast<VARTYPE>(VT_ARRAY | one.type);
         request.makeArray = one.make;
-        ExpectNoAnswer(S_OK, kAsk, &request);
+        ExpectNoAnswer(S_OK, kAskForRecords, &request);
     }
 }
 
@@ -135,32 +132,32 @@ TEST_F(RecordListArgument, ThatBeliesItsArrayHoldsNoIds) {
         RawContainer request;
         request.value.vt = VT_ARRAY | VT_UI4;
         request.makeArray = lie;
-        ExpectNoAnswer(S_OK, kAsk, &request);
+        ExpectNoAnswer(S_OK, kAskForRecords, &request);
     }
 }
 
 TEST_F(RecordListArgument, ThatIsANullArrayHoldsNoIds) {
     RawContainer request;
     request.value.vt = VT_ARRAY | VT_UI4;
-    ExpectNoAnswer(S_OK, kAsk, &request);
+    ExpectNoAnswer(S_OK, kAskForRecords, &request);
 }
 
 TEST_F(RecordListArgument, ThatIsAnEmptyArrayHoldsNoIds) {
     RawContainer request;
     request.value.vt = VT_ARRAY | VT_UI4;
     request.makeArray = [] { return MakeOnes(VT_UI4, 0, 0); };
-    ExpectNoAnswer(S_OK, kAsk, &request);
+    ExpectNoAnswer(S_OK, kAskForRecords, &request);
 }
 
 TEST_F(RecordListArgument, ThatIsNoArrayHoldsNoIds) {
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().Ui4(kIds, 1));
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().Ui8(kIds, 1));
+    ExpectNoAnswer(S_OK, kAskForRecords, ContainerBuilder().Ui4(kIdList, 1));
+    ExpectNoAnswer(S_OK, kAskForRecords, ContainerBuilder().Ui8(kIdList, 1));
     RawContainer reference;
     reference.value.vt = VT_BYREF | VT_ARRAY | VT_UI4;
     SAFEARRAY* const array = MakeOnes(VT_UI4, 0, 1);
     SAFEARRAY* held = array;
     reference.value.pparray = &held;
-    ExpectNoAnswer(S_OK, kAsk, &reference);
+    ExpectNoAnswer(S_OK, kAskForRecords, &reference);
     SafeArrayDestroy(array);
 }
 
@@ -178,7 +175,7 @@ TEST_F(RecordListArgument, ReportedAsAbsentIsNoAnswerWhateverItHolds) {
     request.value.vt = VT_ARRAY | VT_UI4;
     request.makeArray = [] { return MakeOnes(VT_UI4, 0, 1); };
     request.result = S_FALSE;
-    ExpectNoAnswer(S_OK, kAsk, &request);
+    ExpectNoAnswer(S_OK, kAskForRecords, &request);
 }
 
 } // namespace tsl::test

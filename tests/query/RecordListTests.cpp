@@ -6,9 +6,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kAsk = 0x0400000901000000;
-constexpr UINT64 kIds = 0x0200002300002013;
-
 const std::vector<UINT64> kKeysInOrder = {
     0x050020000000000b, 0x0200002200000013, 0x0200002100000013, 0x0200002000000003,
     0x0200002500000008, 0x0200002600000008, 0x0200002400000007};
@@ -28,7 +25,8 @@ protected:
     // The records of the ids. Fails the test when there are none.
     AnswerContainers Fetch(const std::vector<UINT32>& ids) {
         CVariant answer = CVariant::FromText(L"replaced");
-        EXPECT_EQ(S_OK, Ask(kAsk, ContainerBuilder().Set(kIds, IdArray(ids)), answer.Address()));
+        EXPECT_EQ(S_OK, Ask(kAskForRecords, ContainerBuilder().Set(kIdList, IdArray(ids)),
+                            answer.Address()));
         return Unpack(answer.Get());
     }
     Ids FetchIds(const std::vector<UINT32>& ids) {
@@ -50,7 +48,7 @@ TEST_F(RecordList, CarriesTheFieldsUnderTheirKeys) {
     const AnswerContainers records = Fetch({4000000000});
     ASSERT_EQ(1u, records.size());
     ITslParamContainer& record = *records[0];
-    EXPECT_EQ(kAsk, CodeOf(record));
+    EXPECT_EQ(kAskForRecords, CodeOf(record));
     const CVariant found = ValueOf(record, 0x050020000000000b);
     EXPECT_EQ(VT_BOOL, found.Type());
     EXPECT_EQ(VARIANT_TRUE, found.Get().boolVal);
@@ -131,7 +129,8 @@ TEST_F(RecordList, WithoutARecordIsAnEmptyVariant) {
     StoreLog({{.id = 1}});
     for (const UINT32 id : {0u, 2u, 0xFFFFFFFFu}) {
         CVariant answer = CVariant::FromText(L"replaced");
-        EXPECT_EQ(S_OK, Ask(kAsk, ContainerBuilder().Set(kIds, IdArray({id})), answer.Address()));
+        EXPECT_EQ(S_OK, Ask(kAskForRecords, ContainerBuilder().Set(kIdList, IdArray({id})),
+                            answer.Address()));
         EXPECT_EQ(VT_EMPTY, answer.Type());
     }
 }
@@ -139,7 +138,8 @@ TEST_F(RecordList, WithoutARecordIsAnEmptyVariant) {
 TEST_F(RecordList, IsNotTakenFromTheOtherTable) {
     StoreTaken({{.id = 1}});
     CVariant answer = CVariant::FromUi4(42);
-    EXPECT_EQ(S_OK, Ask(kAsk, ContainerBuilder().Set(kIds, IdArray({1})), answer.Address()));
+    EXPECT_EQ(S_OK,
+              Ask(kAskForRecords, ContainerBuilder().Set(kIdList, IdArray({1})), answer.Address()));
     EXPECT_EQ(VT_EMPTY, answer.Type());
 }
 
@@ -162,8 +162,8 @@ TEST_F(RecordList, OfTenThousandAndOfAHundredThousandIdsIsFetchedInOneCall) {
 
 TEST_F(RecordList, OfMoreIdsThanTheEngineTakesReportsThat) {
     StoreLog({{.id = 1}});
-    ExpectNoAnswer(kEngineError, kAsk,
-                   ContainerBuilder().Set(kIds, IdArray(std::vector<UINT32>(250001, 1))));
+    ExpectNoAnswer(kEngineError, kAskForRecords,
+                   ContainerBuilder().Set(kIdList, IdArray(std::vector<UINT32>(250001, 1))));
 }
 
 TEST_F(RecordList, WaitsForTheDatabaseLockAndGoesOnWithoutIt) {

@@ -6,10 +6,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kTake = 0x0400000501000000;
-constexpr UINT64 kId = 0x0200001100002015;
-constexpr UINT64 kUser = 0x0200002100000013;
-
 constexpr char kParameters[] = "'ullValues={1,2}'";
 
 // A VARIANT of the type whose eight bytes of value are these.
@@ -36,7 +32,8 @@ protected:
     // The 64-bit value of the record that the request finds; nothing is removed.
     UINT64 Found(CVariant id) {
         CVariant answer;
-        EXPECT_EQ(S_OK, Ask(kTake, ContainerBuilder().Set(kId, std::move(id)), answer.Address()));
+        EXPECT_EQ(S_OK,
+                  Ask(kTake, ContainerBuilder().Set(kIdToTake, std::move(id)), answer.Address()));
         EXPECT_EQ((Ids{0, 5}), IdsIn(kTakenRows));
         const AnswerContainers records = Unpack(answer.Get());
         return records.size() == 1 ? ValueOf(*records[0], 0x0200001000000015).Get().ullVal : 0;
@@ -48,16 +45,16 @@ TEST_F(TakeArgument, MissingIsNoAnswerAndNothingIsRemoved) {
 }
 
 TEST_F(TakeArgument, ThatCannotBeReadIsReportedAndNothingIsRemoved) {
-    ScriptedContainer request(ContainerBuilder().Ui8(kId, 5).Ui4(kUser, 1).Get());
-    request.getResults[kId] = E_ACCESSDENIED;
+    ScriptedContainer request(ContainerBuilder().Ui8(kIdToTake, 5).Ui4(kUser, 1).Get());
+    request.getResults[kIdToTake] = E_ACCESSDENIED;
     ExpectRefused(E_ACCESSDENIED, &request);
     EXPECT_EQ(1u, request.References());
 }
 
 TEST_F(TakeArgument, OfATypeThatSharesNoBitIsNoAnswerAndNothingIsRemoved) {
-    ExpectRefused(S_OK, ContainerBuilder().Text(kId, L"5").Ui4(kUser, 1));
-    ExpectRefused(S_OK, ContainerBuilder().Set(kId, Raw(VT_I2, 5)).Ui4(kUser, 1));
-    ExpectRefused(S_OK, ContainerBuilder().Set(kId, Raw(VT_ERROR, 5)).Ui4(kUser, 1));
+    ExpectRefused(S_OK, ContainerBuilder().Text(kIdToTake, L"5").Ui4(kUser, 1));
+    ExpectRefused(S_OK, ContainerBuilder().Set(kIdToTake, Raw(VT_I2, 5)).Ui4(kUser, 1));
+    ExpectRefused(S_OK, ContainerBuilder().Set(kIdToTake, Raw(VT_ERROR, 5)).Ui4(kUser, 1));
 }
 
 TEST_F(TakeArgument, OfAnotherTypeFindsTheRecordByTheBytesOfThatType) {
@@ -95,17 +92,18 @@ TEST_F(TakeArgument, OfAnotherTypeLeavesTheRemovalToTheRangeThatTheContainerName
     CVariant answer;
     ASSERT_EQ(S_OK, Ask(kTake,
                         ContainerBuilder()
-                            .Set(kId, Raw(VT_UI4, 8))
+                            .Set(kIdToTake, Raw(VT_UI4, 8))
                             .Ui4(kUser, 7)
                             .Date(0x0200001700000007, 1500.0),
                         answer.Address()));
     EXPECT_EQ(1u, Unpack(answer.Get()).size());
     EXPECT_EQ((Ids{0, 5, 9, 10}), IdsIn(kTakenRows));
-    ASSERT_EQ(
-        S_OK,
-        Ask(kTake,
-            ContainerBuilder().Set(kId, Raw(VT_UI4, 10)).Ui4(kUser, 7).Ui4(0x0200001800000013, 10),
-            answer.Address()));
+    ASSERT_EQ(S_OK, Ask(kTake,
+                        ContainerBuilder()
+                            .Set(kIdToTake, Raw(VT_UI4, 10))
+                            .Ui4(kUser, 7)
+                            .Ui4(0x0200001800000013, 10),
+                        answer.Address()));
     EXPECT_EQ(1u, Unpack(answer.Get()).size());
     EXPECT_EQ((Ids{0, 5, 9}), IdsIn(kTakenRows));
 }
@@ -114,7 +112,7 @@ TEST_F(TakeArgument, OfTheRightTypeIsNotMixedWithRangesInTheContainer) {
     CVariant answer;
     ASSERT_EQ(S_OK, Ask(kTake,
                         ContainerBuilder()
-                            .Ui8(kId, 5)
+                            .Ui8(kIdToTake, 5)
                             .Ui4(kUser, 1)
                             .Ui4(0x0200001800000013, 0)
                             .Ui4(0x0200001900000013, 9),
@@ -124,7 +122,7 @@ TEST_F(TakeArgument, OfTheRightTypeIsNotMixedWithRangesInTheContainer) {
 }
 
 TEST_F(TakeArgument, WithANullResultIsRefusedBeforeAnythingIsReadOrRemoved) {
-    ScriptedContainer request(ContainerBuilder().Ui8(kId, 5).Get());
+    ScriptedContainer request(ContainerBuilder().Ui8(kIdToTake, 5).Get());
     EXPECT_EQ(E_POINTER, Ask(kTake, &request, nullptr));
     EXPECT_TRUE(request.keysRead.empty());
     EXPECT_EQ(1u, request.References());
@@ -135,7 +133,7 @@ TEST_F(TakeArgument, RemovalWaitsForTheDatabaseLockAndGoesOnWithoutIt) {
     const MutexHolder holder(kSqliteAccessLock);
     const ULONGLONG start = GetTickCount64();
     CVariant answer;
-    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, 5), answer.Address()));
+    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, 5), answer.Address()));
     EXPECT_GE(GetTickCount64() - start, 2900u);
     EXPECT_EQ(1u, Unpack(answer.Get()).size());
     EXPECT_EQ((Ids{0}), IdsIn(kTakenRows));

@@ -7,9 +7,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kTake = 0x0400000501000000;
-constexpr UINT64 kId = 0x0200001100002015;
-
 constexpr char kFull[] = "'ullValues={18446744073709551615,7,9}&intValues={1,-2,2147483647,4}&"
                          "stringValues={a%2cb}'";
 
@@ -24,14 +21,14 @@ class TakeRecord : public QueryTest {
 protected:
     AnswerContainers Take(UINT64 id) {
         CVariant answer = CVariant::FromText(L"replaced");
-        EXPECT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, id), answer.Address()));
+        EXPECT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, id), answer.Address()));
         return Unpack(answer.Get());
     }
     // Nothing is answered, but the record goes.
     void ExpectTakenUnseen(const std::string& parameters) {
         SCOPED_TRACE(parameters);
         StoreTaken({{.id = 5, .user = 1, .parameters = parameters}});
-        ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 5));
+        ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 5));
         EXPECT_EQ(0, CountRows(ActionLogPath(), kTakenRows));
     }
 };
@@ -78,7 +75,7 @@ TEST_F(TakeRecord, RemovesTheRecordAndNoOther) {
     ASSERT_EQ(1u, Take(5).size());
     EXPECT_EQ((Ids{4, 6}), IdsIn(kTakenRows));
     EXPECT_EQ((Ids{5}), IdsIn(kActionLogRows));
-    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 5));
+    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 5));
 }
 
 TEST_F(TakeRecord, WithOneTextKeepsTheFirstFlagFalseAndCarriesTheText) {
@@ -129,16 +126,16 @@ TEST_F(TakeRecord, WithoutParametersIsStillRemoved) {
 }
 
 TEST_F(TakeRecord, ThatIsNotThereLeavesTheResultAndTheOthers) {
-    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 5));
+    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 5));
     StoreTaken({{.id = 4, .user = 1, .parameters = kFull}});
-    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 5));
-    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 0x100000004));
+    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 5));
+    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 0x100000004));
     EXPECT_EQ((Ids{4}), IdsIn(kTakenRows));
 }
 
 TEST_F(TakeRecord, IsNotTakenFromTheActionLog) {
     StoreLog({{.id = 5, .user = 1, .parameters = kFull}});
-    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 5));
+    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 5));
     EXPECT_EQ((Ids{5}), IdsIn(kActionLogRows));
 }
 
@@ -163,7 +160,7 @@ TEST_F(TakeRecord, StopsAtTheFirstRowThatCannotBeDecoded) {
     StoreTaken({{.id = 5, .user = 1, .parameters = "'ullValues={1,2}'"},
                 {.id = 5, .user = 1, .parameters = "'ullValues={1}'"},
                 {.id = 5, .user = 1, .parameters = "'ullValues={3,4}'"}});
-    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kId, 5));
+    ExpectNoAnswer(S_OK, kTake, ContainerBuilder().Ui8(kIdToTake, 5));
     EXPECT_EQ(1, Containers().created) << "no container for what follows";
     EXPECT_EQ(0, CountRows(ActionLogPath(), kTakenRows));
 }
@@ -177,7 +174,7 @@ TEST_F(TakeRecord, AnswersWithAnotherUsersRecordButLeavesIt) {
 TEST_F(TakeRecord, IsOfUserOneWhateverUserTheHostNames) {
     StoreTaken({{.id = 5, .user = 7, .parameters = kFull}, {.id = 6, .user = 1}});
     CVariant answer;
-    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, 5).Ui4(0x0200002100000013, 7),
+    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, 5).Ui4(0x0200002100000013, 7),
                         answer.Address()));
     EXPECT_EQ((Ids{5, 6}), IdsIn(kTakenRows));
 }

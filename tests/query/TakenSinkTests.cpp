@@ -8,9 +8,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr UINT64 kTake = 0x0400000501000000;
-constexpr UINT64 kId = 0x0200001100002015;
-
 constexpr char kTwoTexts[] =
     "'ullValues={900,901}&intValues={1,2,3}&stringValues={a%2cb,C%3A%5cx%2520y%7e,third}'";
 
@@ -34,7 +31,7 @@ protected:
     // The record's container is the same whether or not the sink takes the text.
     void ExpectWholeContainer() {
         CVariant answer;
-        ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, 5), answer.Address()));
+        ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, 5), answer.Address()));
         const AnswerContainers records = Unpack(answer.Get());
         ASSERT_EQ(1u, records.size());
         EXPECT_EQ(8u, KeysOf(*records[0]).size());
@@ -78,7 +75,7 @@ TEST_F(TakenSink, IsGivenAnEmptySecondText) {
     Register();
     StoreTaken({{.id = 6, .user = 1, .parameters = "'ullValues={1,2}&stringValues={a,,c}'"}});
     CVariant answer;
-    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, 6), answer.Address()));
+    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, 6), answer.Address()));
     EXPECT_EQ((Texts{{1, L""}}), m_sink.texts);
     EXPECT_EQ(VARIANT_TRUE, ValueOf(*Unpack(answer.Get())[0], 0x050020000000000b).Get().boolVal);
 }
@@ -89,7 +86,7 @@ TEST_F(TakenSink, IsGivenNothingForOneTextOrTooFewIds) {
                 {.id = 7, .user = 1, .parameters = "'ullValues={1}&stringValues={a,b}'"}});
     for (const UINT64 id : {6, 7}) {
         CVariant answer;
-        ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, id), answer.Address()));
+        ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, id), answer.Address()));
     }
     EXPECT_TRUE(m_sink.texts.empty());
 }
@@ -99,7 +96,7 @@ TEST_F(TakenSink, IsGivenTheTextOfEachRow) {
     StoreTaken({{.id = 6, .user = 1, .parameters = "'ullValues={1,2}&stringValues={a,b}'"},
                 {.id = 6, .user = 1, .parameters = "'ullValues={3,4}&stringValues={c,d}'"}});
     CVariant answer;
-    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kId, 6), answer.Address()));
+    ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, 6), answer.Address()));
     EXPECT_EQ(2u, Unpack(answer.Get()).size());
     EXPECT_EQ((Texts{{1, L"b"}, {3, L"d"}}), m_sink.texts);
 }

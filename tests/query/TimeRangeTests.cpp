@@ -4,15 +4,6 @@
 
 namespace tsl::test {
 
-namespace {
-
-constexpr UINT64 kAsk = 0x0400000801000000;
-constexpr UINT64 kUser = 0x0200002100000013;
-constexpr UINT64 kStart = 0x0200001600000007;
-constexpr UINT64 kEnd = 0x0200001700000007;
-
-} // namespace
-
 class TimeRange : public QueryTest {
 protected:
     void SetUp() override {
@@ -28,99 +19,102 @@ protected:
 };
 
 TEST_F(TimeRange, IncludesItsBounds) {
-    ExpectIds({2, 3}, kAsk, ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.0).Date(kEnd, 20.5));
+    ExpectIds({2, 3}, kAskForIds,
+              ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.0).Date(kEnd, 20.5));
 }
 
 TEST_F(TimeRange, LeavesOutWhatIsJustBeyondItsBounds) {
-    ExpectIds({3}, kAsk, ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.001).Date(kEnd, 20.5));
-    ExpectIds({2}, kAsk, ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.0).Date(kEnd, 20.499));
+    ExpectIds({3}, kAskForIds,
+              ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.001).Date(kEnd, 20.5));
+    ExpectIds({2}, kAskForIds,
+              ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.0).Date(kEnd, 20.499));
 }
 
 TEST_F(TimeRange, WithoutEndRunsToTheLatestTime) {
-    ExpectIds({2, 3, 4}, kAsk, ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.0));
+    ExpectIds({2, 3, 4}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Date(kStart, 10.0));
 }
 
 TEST_F(TimeRange, WithoutStartRunsFromTimeZero) {
-    ExpectIds({1, 2}, kAsk, ContainerBuilder().Ui4(kUser, 7).Date(kEnd, 10.0));
+    ExpectIds({1, 2}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Date(kEnd, 10.0));
 }
 
 TEST_F(TimeRange, WithoutBoundsIsEveryRecordBetweenTheDefaults) {
-    ExpectIds({1, 2, 3, 4}, kAsk, ContainerBuilder().Ui4(kUser, 7));
+    ExpectIds({1, 2, 3, 4}, kAskForIds, ContainerBuilder().Ui4(kUser, 7));
 }
 
 TEST_F(TimeRange, HoldsRecordsOfItsUserOnly) {
-    ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 8));
+    ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 8));
 }
 
 TEST_F(TimeRange, IsNotFilteredByLogKind) {
     StoreLog({{.id = 11, .user = 9, .logKind = 2}, {.id = 12, .user = 9, .logKind = 16}});
-    ExpectIds({11, 12}, kAsk, ContainerBuilder().Ui4(kUser, 9));
+    ExpectIds({11, 12}, kAskForIds, ContainerBuilder().Ui4(kUser, 9));
 }
 
 TEST_F(TimeRange, IsNotTheTimeOfTheApplication) {
     StoreLog({{.id = 11, .user = 9, .time = 30.0, .appTime = 60.0}});
-    ExpectIds({11}, kAsk, ContainerBuilder().Ui4(kUser, 9).Date(kEnd, 40.0));
-    ExpectNoAnswer(E_INVALIDARG, kAsk, ContainerBuilder().Ui4(kUser, 9).Date(kStart, 50.0));
+    ExpectIds({11}, kAskForIds, ContainerBuilder().Ui4(kUser, 9).Date(kEnd, 40.0));
+    ExpectNoAnswer(E_INVALIDARG, kAskForIds, ContainerBuilder().Ui4(kUser, 9).Date(kStart, 50.0));
 }
 
 TEST_F(TimeRange, OfAUserAboveTheSignedNumbersIsFound) {
     StoreLog({{.id = 0xFFFFFFFF, .user = 0xFFFFFFFE}});
-    ExpectIds({0xFFFFFFFF}, kAsk, ContainerBuilder().Ui4(kUser, 0xFFFFFFFE));
+    ExpectIds({0xFFFFFFFF}, kAskForIds, ContainerBuilder().Ui4(kUser, 0xFFFFFFFE));
 }
 
 TEST_F(TimeRange, ThatHoldsNothingIsAnInvalidArgument) {
-    ExpectNoAnswer(E_INVALIDARG, kAsk,
+    ExpectNoAnswer(E_INVALIDARG, kAskForIds,
                    ContainerBuilder().Ui4(kUser, 7).Date(kStart, 11.0).Date(kEnd, 12.0));
-    ExpectNoAnswer(E_INVALIDARG, kAsk,
+    ExpectNoAnswer(E_INVALIDARG, kAskForIds,
                    ContainerBuilder().Ui4(kUser, 7).Date(kStart, 20.5).Date(kEnd, 10.0));
 }
 
 TEST_F(TimeRange, WithoutUserIsNoAnswer) {
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().Date(kStart, 0.0));
+    ExpectNoAnswer(S_OK, kAskForIds, ContainerBuilder().Date(kStart, 0.0));
 }
 
 TEST_F(TimeRange, WithAUserOfAnotherTypeIsNoAnswer) {
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().I4(kUser, 7));
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().Ui8(kUser, 7));
-    ExpectNoAnswer(S_OK, kAsk, ContainerBuilder().Text(kUser, L"7"));
+    ExpectNoAnswer(S_OK, kAskForIds, ContainerBuilder().I4(kUser, 7));
+    ExpectNoAnswer(S_OK, kAskForIds, ContainerBuilder().Ui8(kUser, 7));
+    ExpectNoAnswer(S_OK, kAskForIds, ContainerBuilder().Text(kUser, L"7"));
 }
 
 TEST_F(TimeRange, WhoseUserCannotBeReadIsNoAnswer) {
     ScriptedContainer request(ContainerBuilder().Ui4(kUser, 7).Get());
     request.getResults[kUser] = E_ACCESSDENIED;
-    ExpectNoAnswer(S_OK, kAsk, &request);
+    ExpectNoAnswer(S_OK, kAskForIds, &request);
     EXPECT_EQ(1u, request.References());
 }
 
 TEST_F(TimeRange, WhoseStartCannotBeReadRunsFromTimeZero) {
     ScriptedContainer request(ContainerBuilder().Ui4(kUser, 7).Date(kStart, 20.0).Get());
     request.getResults[kStart] = E_ACCESSDENIED;
-    ExpectIds({1, 2, 3, 4}, kAsk, &request);
+    ExpectIds({1, 2, 3, 4}, kAskForIds, &request);
     EXPECT_EQ(1u, request.References());
 }
 
 TEST_F(TimeRange, WhoseEndCannotBeReadIsNoAnswer) {
     ScriptedContainer request(ContainerBuilder().Ui4(kUser, 7).Get());
     request.getResults[kEnd] = E_ACCESSDENIED;
-    ExpectNoAnswer(S_OK, kAsk, &request);
+    ExpectNoAnswer(S_OK, kAskForIds, &request);
     EXPECT_EQ(1u, request.References());
 }
 
 TEST_F(TimeRange, WithBoundsOfAnotherTypeTakesTheDefaults) {
-    ExpectIds({1, 2, 3, 4}, kAsk,
+    ExpectIds({1, 2, 3, 4}, kAskForIds,
               ContainerBuilder().Ui4(kUser, 7).I4(kStart, 15).Text(kEnd, L"16"));
 }
 
 TEST_F(TimeRange, IsAnsweredAtOnceWhileAnotherProcessHoldsTheDatabaseLock) {
     const MutexHolder holder(kSqliteAccessLock);
     const ULONGLONG start = GetTickCount64();
-    ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 8));
+    ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 8));
     EXPECT_LT(GetTickCount64() - start, 2000u);
     EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "the other process held it all along";
 }
 
 TEST_F(TimeRange, NeitherReadsNorMakesTheCounterFile) {
-    ExpectIds({5}, kAsk, ContainerBuilder().Ui4(kUser, 8));
+    ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 8));
     EXPECT_FALSE(std::filesystem::exists(CounterPath()));
 }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "recording/ParameterText.h"
+#include "tests/support/Containers.h"
 
 namespace tsl::test {
 
@@ -23,6 +24,11 @@ struct BuiltText {
 
 // Any log kind that adds nothing.
 inline constexpr UINT32 kPlainLogKind = 1;
+
+// An action with nothing but its name.
+inline ContainerBuilder NamedAction(std::wstring_view name = L"playItem") {
+    return ContainerBuilder().Text(kKeyActionName, name);
+}
 
 inline BuiltText Build(ITslParamContainer* container, UINT32 logKind = kPlainLogKind) {
     BuiltText built;

@@ -2,13 +2,12 @@
 #include "recording/LinkedItem.h"
 
 #include "tests/recording/LinkedActions.h"
+#include "tests/support/Failures.h"
 #include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kFailure = static_cast<HRESULT>(0x8004ABCD);
 
 constexpr wchar_t kNothing[] = L"ullValues={" TSL_TEST_MOMENT L"}&intValues={0}";
 constexpr wchar_t kFirstText[] = L"ullValues={" TSL_TEST_MOMENT L"}&intValues={0}&stringValues={a}";

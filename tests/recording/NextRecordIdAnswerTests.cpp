@@ -6,12 +6,11 @@
 #include "tests/recording/RecordStore.h"
 #include "tests/support/ComSession.h"
 #include "tests/support/Containers.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kFailure = static_cast<HRESULT>(0x8004ABCD);
 
 // The host's container class, as the test wants it.
 class ScriptedClass final : public IClassFactory {

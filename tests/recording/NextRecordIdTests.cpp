@@ -4,16 +4,10 @@
 #include "tests/recording/RecordStore.h"
 #include "tests/support/ComSession.h"
 #include "tests/support/Containers.h"
+#include "tests/support/Failures.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
-
-namespace {
-
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
-
-} // namespace
 
 class RecordIdCounter : public RecordStoreTest {
 protected:

@@ -4,12 +4,11 @@
 #include <ctime>
 
 #include "tests/recording/LinkedActions.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kFailure = static_cast<HRESULT>(0x8004ABCD);
 
 ContainerBuilder WithValues(ContainerBuilder action) {
     action.Array<ULONGLONG>(kKeyUllValues, {5, 6}).Array<LONG>(kKeyIntValues, {1, -2});

@@ -10,12 +10,6 @@ constexpr UINT64 kListKeys[] = {kKeyUllValues,  kKeyUsValues,     kKeyIntValues,
                                 kKeyBoolValues, kKeyStringValues, kKeyMoreStringValues,
                                 kKeyFloatValues};
 
-ContainerBuilder Named() {
-    ContainerBuilder action;
-    action.Text(kKeyActionName, L"playItem");
-    return action;
-}
-
 VARTYPE ListType(UINT64 key) {
     return ParamKeyType(key);
 }
@@ -25,7 +19,7 @@ VARTYPE ElementType(UINT64 key) {
 }
 
 BuiltText BuildRaw(UINT64 key, RawContainer::Maker maker) {
-    RawContainer action(Named().Get());
+    RawContainer action(NamedAction().Get());
     action.Make(key, std::move(maker));
     return Build(&action);
 }
@@ -49,13 +43,13 @@ void FillWithNumbers(SAFEARRAY* array, ULONG count) {
     SafeArrayUnaccessData(array);
 }
 
-const BuiltText kRefused{E_INVALIDARG, L""};
+const BuiltText kRefusedText{E_INVALIDARG, L""};
 
 } // namespace
 
 // A zero inside one text must not cut off what follows.
 TEST(ParameterBadInput, ATextEndsAtItsFirstZero) {
-    ContainerBuilder action = Named();
+    ContainerBuilder action = NamedAction();
     action.Texts(kKeyStringValues, {std::wstring(L"x\0y", 3), L"z"});
     action.Array<FLOAT>(kKeyFloatValues, {1.5F});
     EXPECT_EQ(Ok(L"stringValues={x,z}&floatValues={1.500000}"), Build(action));
@@ -68,11 +62,11 @@ TEST(ParameterBadInput, AValueOfAnotherTypeFails) {
     for (const UINT64 key : kListKeys) {
         for (const VARTYPE type : kTypes) {
             if (type == ElementType(key)) continue;
-            EXPECT_EQ(kRefused, BuildRaw(key,
-                                         [type](VARIANT& value) {
-                                             value.vt = type;
-                                             return S_OK;
-                                         }))
+            EXPECT_EQ(kRefusedText, BuildRaw(key,
+                                             [type](VARIANT& value) {
+                                                 value.vt = type;
+                                                 return S_OK;
+                                             }))
                 << "key " << std::hex << key << ", type " << type;
         }
     }
@@ -85,21 +79,21 @@ TEST(ParameterBadInput, AnArrayOfAnotherTypeFails) {
         for (const VARTYPE type : kTypes) {
             if (type == ElementType(key)) continue;
             const auto arrayType = static_cast<VARTYPE>(VT_ARRAY | type);
-            EXPECT_EQ(kRefused, BuildRaw(key, ArrayOf(arrayType, type, 2)))
+            EXPECT_EQ(kRefusedText, BuildRaw(key, ArrayOf(arrayType, type, 2)))
                 << "key " << std::hex << key << ", type " << type;
         }
     }
 }
 
 TEST(ParameterBadInput, AWrongTypeStopsTheTextBehindTheGroupsBeforeIt) {
-    ContainerBuilder action = Named();
+    ContainerBuilder action = NamedAction();
     action.Array<ULONGLONG>(kKeyUllValues, {1}).I4(kKeyUsValues, 2).I4(kKeyIntValues, 3);
     EXPECT_EQ((BuiltText{E_INVALIDARG, L"ullValues={1}"}), Build(action));
 }
 
 TEST(ParameterBadInput, NothingIsReadBehindAWrongType) {
-    ScriptedContainer action(Named().I4(kKeyUsValues, 2).Get());
-    EXPECT_EQ(kRefused, Build(&action));
+    ScriptedContainer action(NamedAction().I4(kKeyUsValues, 2).Get());
+    EXPECT_EQ(kRefusedText, Build(&action));
     EXPECT_EQ((std::vector<UINT64>{kKeyActionName, kKeyUllValues, kKeyUsValues}), action.keysRead);
 }
 
@@ -111,7 +105,7 @@ TEST(ParameterBadInput, AReferenceFails) {
                                  static_cast<VARTYPE>(VT_BYREF | ListType(key))};
         void* const targets[] = {&number, &array};
         for (const size_t index : {size_t{0}, size_t{1}}) {
-            EXPECT_EQ(kRefused, BuildRaw(key, [&](VARIANT& value) {
+            EXPECT_EQ(kRefusedText, BuildRaw(key, [&](VARIANT& value) {
                           value.byref = targets[index];
                           value.vt = types[index];
                           return S_OK;
@@ -138,34 +132,34 @@ TEST(ParameterBadInput, AnArrayWithoutElementsIsAnEmptyList) {
 
 TEST(ParameterBadInput, AnArrayWithSmallerElementsIsNeverReadBeyondItsEnd) {
     for (const UINT64 key : kListKeys)
-        EXPECT_EQ(kRefused, BuildRaw(key, ArrayOf(ListType(key), VT_UI1, 100)));
+        EXPECT_EQ(kRefusedText, BuildRaw(key, ArrayOf(ListType(key), VT_UI1, 100)));
 }
 
 TEST(ParameterBadInput, AnArrayWithLargerElementsFails) {
     for (const UINT64 key : kListKeys)
-        EXPECT_EQ(kRefused, BuildRaw(key, ArrayOf(ListType(key), VT_VARIANT, 2)));
+        EXPECT_EQ(kRefusedText, BuildRaw(key, ArrayOf(ListType(key), VT_VARIANT, 2)));
 }
 
 TEST(ParameterBadInput, NumbersAreNeverTakenForTexts) {
     for (const UINT64 key : {kKeyStringValues, kKeyMoreStringValues}) {
-        EXPECT_EQ(kRefused, BuildRaw(key, [](VARIANT& value) {
+        EXPECT_EQ(kRefusedText, BuildRaw(key, [](VARIANT& value) {
                       value.parray = SafeArrayCreateVector(VT_UI8, 0, 2);
                       FillWithNumbers<ULONGLONG>(value.parray, 2);
                       value.vt = VT_ARRAY | VT_BSTR;
                       return S_OK;
                   }));
-        EXPECT_EQ(kRefused, BuildRaw(key, ArrayOf(VT_ARRAY | VT_BSTR, VT_UNKNOWN, 2)));
+        EXPECT_EQ(kRefusedText, BuildRaw(key, ArrayOf(VT_ARRAY | VT_BSTR, VT_UNKNOWN, 2)));
     }
 }
 
 TEST(ParameterBadInput, PointersAreNeverTakenForNumbers) {
     for (const VARTYPE type : {VT_BSTR, VT_UNKNOWN, VT_DISPATCH})
-        EXPECT_EQ(kRefused, BuildRaw(kKeyUllValues, ArrayOf(VT_ARRAY | VT_UI8, type, 2)));
+        EXPECT_EQ(kRefusedText, BuildRaw(kKeyUllValues, ArrayOf(VT_ARRAY | VT_UI8, type, 2)));
 }
 
 TEST(ParameterBadInput, AnArrayOfSeveralDimensionsFails) {
     for (const UINT64 key : kListKeys) {
-        EXPECT_EQ(kRefused, BuildRaw(key, [key](VARIANT& value) {
+        EXPECT_EQ(kRefusedText, BuildRaw(key, [key](VARIANT& value) {
                       SAFEARRAYBOUND bounds[] = {{2, 0}, {3, 0}};
                       value.parray = SafeArrayCreate(ElementType(key), 2, bounds);
                       value.vt = ListType(key);
@@ -216,7 +210,7 @@ TEST(ParameterBadInput, ANullFirstTextOfAUserLocationBecomesTheDefaultCountry) {
 }
 
 TEST(ParameterBadInput, ANullNameIsAnyName) {
-    RawContainer action(Named().I4(kKeyIntValues, 1).Get());
+    RawContainer action(NamedAction().I4(kKeyIntValues, 1).Get());
     action.Make(kKeyActionName, [](VARIANT& value) {
         value.vt = VT_BSTR;
         value.bstrVal = nullptr;

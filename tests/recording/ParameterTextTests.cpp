@@ -3,18 +3,11 @@
 
 #include "tests/recording/BuiltText.h"
 #include "tests/support/Containers.h"
+#include "tests/support/Failures.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kFailure = static_cast<HRESULT>(0x8004ABCD);
-
-ContainerBuilder Named(std::wstring_view name = L"playItem") {
-    ContainerBuilder action;
-    action.Text(kKeyActionName, name);
-    return action;
-}
 
 CVariant Scalar(VARTYPE type, ULONGLONG bits) {
     CVariant value;
@@ -24,7 +17,7 @@ CVariant Scalar(VARTYPE type, ULONGLONG bits) {
 }
 
 ContainerBuilder EveryKind() {
-    ContainerBuilder action = Named();
+    ContainerBuilder action = NamedAction();
     action.Array<ULONGLONG>(kKeyUllValues, {1})
         .Array<USHORT>(kKeyUsValues, {2})
         .Array<LONG>(kKeyIntValues, {3})
@@ -41,19 +34,20 @@ constexpr wchar_t kEveryKindText[] = L"ullValues={1}&usValues={2}&intValues={3}&
 } // namespace
 
 TEST(ParameterText, IsEmptyWithoutAnyKind) {
-    EXPECT_EQ(Ok(L""), Build(Named()));
+    EXPECT_EQ(Ok(L""), Build(NamedAction()));
 }
 
 TEST(ParameterText, HoldsEachKindAlone) {
-    EXPECT_EQ(Ok(L"ullValues={5,6}"), Build(Named().Array<ULONGLONG>(kKeyUllValues, {5, 6})));
-    EXPECT_EQ(Ok(L"usValues={5,6}"), Build(Named().Array<USHORT>(kKeyUsValues, {5, 6})));
-    EXPECT_EQ(Ok(L"intValues={5,-6}"), Build(Named().Array<LONG>(kKeyIntValues, {5, -6})));
-    EXPECT_EQ(Ok(L"boolValues={0,1}"),
-              Build(Named().Array<VARIANT_BOOL>(kKeyBoolValues, {VARIANT_FALSE, VARIANT_TRUE})));
-    EXPECT_EQ(Ok(L"stringValues={a,b}"), Build(Named().Texts(kKeyStringValues, {L"a", L"b"})));
-    EXPECT_EQ(Ok(L"stringValues={c}"), Build(Named().Texts(kKeyMoreStringValues, {L"c"})));
+    EXPECT_EQ(Ok(L"ullValues={5,6}"), Build(NamedAction().Array<ULONGLONG>(kKeyUllValues, {5, 6})));
+    EXPECT_EQ(Ok(L"usValues={5,6}"), Build(NamedAction().Array<USHORT>(kKeyUsValues, {5, 6})));
+    EXPECT_EQ(Ok(L"intValues={5,-6}"), Build(NamedAction().Array<LONG>(kKeyIntValues, {5, -6})));
+    EXPECT_EQ(Ok(L"boolValues={0,1}"), Build(NamedAction().Array<VARIANT_BOOL>(
+                                           kKeyBoolValues, {VARIANT_FALSE, VARIANT_TRUE})));
+    EXPECT_EQ(Ok(L"stringValues={a,b}"),
+              Build(NamedAction().Texts(kKeyStringValues, {L"a", L"b"})));
+    EXPECT_EQ(Ok(L"stringValues={c}"), Build(NamedAction().Texts(kKeyMoreStringValues, {L"c"})));
     EXPECT_EQ(Ok(L"floatValues={1.500000,2.000000}"),
-              Build(Named().Array<FLOAT>(kKeyFloatValues, {1.5f, 2.0f})));
+              Build(NamedAction().Array<FLOAT>(kKeyFloatValues, {1.5f, 2.0f})));
 }
 
 TEST(ParameterText, HoldsAllKindsInTheirOrder) {
@@ -61,7 +55,7 @@ TEST(ParameterText, HoldsAllKindsInTheirOrder) {
 }
 
 TEST(ParameterText, LeavesOutTheKindsThatAreNotThere) {
-    ContainerBuilder action = Named();
+    ContainerBuilder action = NamedAction();
     action.Array<ULONGLONG>(kKeyUllValues, {1234567890, 7})
         .Array<LONG>(kKeyIntValues, {1, -2})
         .Texts(kKeyStringValues, {L"a,b", L"", L"%x"})
@@ -83,18 +77,20 @@ TEST(ParameterText, LeavesOutEmptyLists) {
 
 TEST(ParameterText, TakesASingleValueAsAListOfOne) {
     EXPECT_EQ(Ok(L"ullValues={18446744073709551615}"),
-              Build(Named().Set(kKeyUllValues, Scalar(VT_UI8, ~0ull))));
-    EXPECT_EQ(Ok(L"usValues={65535}"), Build(Named().Set(kKeyUsValues, Scalar(VT_UI2, 65535))));
-    EXPECT_EQ(Ok(L"intValues={-17}"), Build(Named().I4(kKeyIntValues, -17)));
-    EXPECT_EQ(Ok(L"boolValues={1}"), Build(Named().Set(kKeyBoolValues, Scalar(VT_BOOL, 0xFFFF))));
-    EXPECT_EQ(Ok(L"stringValues={a%20b}"), Build(Named().Text(kKeyStringValues, L"a b")));
-    EXPECT_EQ(Ok(L"stringValues={c}"), Build(Named().Text(kKeyMoreStringValues, L"c")));
+              Build(NamedAction().Set(kKeyUllValues, Scalar(VT_UI8, ~0ull))));
+    EXPECT_EQ(Ok(L"usValues={65535}"),
+              Build(NamedAction().Set(kKeyUsValues, Scalar(VT_UI2, 65535))));
+    EXPECT_EQ(Ok(L"intValues={-17}"), Build(NamedAction().I4(kKeyIntValues, -17)));
+    EXPECT_EQ(Ok(L"boolValues={1}"),
+              Build(NamedAction().Set(kKeyBoolValues, Scalar(VT_BOOL, 0xFFFF))));
+    EXPECT_EQ(Ok(L"stringValues={a%20b}"), Build(NamedAction().Text(kKeyStringValues, L"a b")));
+    EXPECT_EQ(Ok(L"stringValues={c}"), Build(NamedAction().Text(kKeyMoreStringValues, L"c")));
     EXPECT_EQ(Ok(L"floatValues={0.500000}"),
-              Build(Named().Set(kKeyFloatValues, Scalar(VT_R4, 0x3F000000))));
+              Build(NamedAction().Set(kKeyFloatValues, Scalar(VT_R4, 0x3F000000))));
 }
 
 TEST(ParameterText, PutsTheFurtherTextsBehindTheFirstUnderEveryLogKind) {
-    ContainerBuilder action = Named(L"externalApplicationLog");
+    ContainerBuilder action = NamedAction(L"externalApplicationLog");
     action.Texts(kKeyMoreStringValues, {L"c"}).Texts(kKeyStringValues, {L"a", L""});
     for (const UINT32 logKind : {0u, 1u, 2u, 3u, 8u, 16u}) {
         EXPECT_EQ(Ok(L"stringValues={a,,c}"), Build(action, logKind)) << "log kind " << logKind;
@@ -103,17 +99,19 @@ TEST(ParameterText, PutsTheFurtherTextsBehindTheFirstUnderEveryLogKind) {
 
 TEST(ParameterText, IsAppendedToWhatTheOutputHolds) {
     std::wstring output = L"before";
-    EXPECT_EQ(S_OK, BuildActionParameters(Named().I4(kKeyIntValues, 1), output, kPlainLogKind));
+    EXPECT_EQ(S_OK,
+              BuildActionParameters(NamedAction().I4(kKeyIntValues, 1), output, kPlainLogKind));
     EXPECT_EQ(L"before&intValues={1}", output);
 }
 
 TEST(ParameterText, HoldsATextOfTenMillionCharactersWhole) {
     constexpr size_t kLength = 10'000'000;
     const std::wstring plain(kLength, L'x');
-    EXPECT_TRUE(Build(Named().Text(kKeyStringValues, plain)) ==
+    EXPECT_TRUE(Build(NamedAction().Text(kKeyStringValues, plain)) ==
                 Ok(L"stringValues={" + plain + L"}"));
 
-    const BuiltText encoded = Build(Named().Text(kKeyStringValues, std::wstring(kLength, L',')));
+    const BuiltText encoded =
+        Build(NamedAction().Text(kKeyStringValues, std::wstring(kLength, L',')));
     EXPECT_EQ(S_OK, encoded.result);
     EXPECT_EQ(3 * kLength + std::wstring_view(L"stringValues={}").size(), encoded.text.size());
 }
@@ -184,7 +182,7 @@ TEST(ParameterText, IsEmptyWhenTheNameIsNoText) {
 }
 
 TEST(ParameterText, DoesNotNeedANameThatSaysAnything) {
-    EXPECT_EQ(Ok(L"intValues={1}"), Build(Named(L"").I4(kKeyIntValues, 1)));
+    EXPECT_EQ(Ok(L"intValues={1}"), Build(NamedAction(L"").I4(kKeyIntValues, 1)));
 }
 
 } // namespace tsl::test

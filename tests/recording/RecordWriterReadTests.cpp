@@ -2,13 +2,12 @@
 #include "recording/RecordWriter.h"
 
 #include "tests/recording/RecordStore.h"
+#include "tests/support/Failures.h"
 #include "tests/support/RawContainer.h"
 
 namespace tsl::test {
 
 namespace {
-
-constexpr HRESULT kFailure = static_cast<HRESULT>(0x8004ABCD);
 
 CVariant Real(double number) {
     CVariant value;

@@ -13,17 +13,17 @@ namespace tsl::test {
 
 namespace {
 
-constexpr double kSecond = 1.0 / 86400.0;
+constexpr double kOneSecond = 1.0 / 86400.0;
 constexpr double kHour = 1.0 / 24.0;
-constexpr double kTiny = 1e-9;
+constexpr double kAlmostNothing = 1e-9;
 
-SYSTEMTIME Fields(WORD year, WORD month, WORD day, WORD hour, WORD milliseconds = 0) {
+SYSTEMTIME LocalFields(WORD year, WORD month, WORD day, WORD hour, WORD milliseconds = 0) {
     return {year, month, /*wDayOfWeek=*/0, day, hour, 0, 0, milliseconds};
 }
 
 DATE Midnight(WORD year, WORD month, WORD day) {
     DATE date = 0.0;
-    SYSTEMTIME fields = Fields(year, month, day, 0);
+    SYSTEMTIME fields = LocalFields(year, month, day, 0);
     EXPECT_TRUE(SystemTimeToVariantTime(&fields, &date));
     return date;
 }
@@ -33,14 +33,14 @@ void ExpectUtcOfLocal(const SYSTEMTIME& local, DATE utc) {
     CXmlDateTime fromFields;
     EXPECT_TRUE(fromFields.SetFromSystemTime(local, /*isLocal=*/true));
     EXPECT_TRUE(fromFields.IsValid());
-    EXPECT_NEAR(utc, fromFields.Date(), kTiny);
+    EXPECT_NEAR(utc, fromFields.Date(), kAlmostNothing);
 
     CXmlDateTime fromDate;
     fromDate.SetFromDate(Midnight(local.wYear, local.wMonth, local.wDay) + local.wHour * kHour +
-                             local.wMilliseconds / 1000.0 * kSecond,
+                             local.wMilliseconds / 1000.0 * kOneSecond,
                          /*isLocal=*/true);
     EXPECT_TRUE(fromDate.IsValid());
-    EXPECT_NEAR(utc, fromDate.Date(), kTiny);
+    EXPECT_NEAR(utc, fromDate.Date(), kAlmostNothing);
 }
 
 // How many hours the local wall clock is ahead of a UTC date, by the two counts of seconds.
@@ -104,18 +104,18 @@ protected:
 };
 
 TEST_F(TimeZoneTokyo, NineInTheMorningIsMidnightUtcOfTheSameDay) {
-    ExpectUtcOfLocal(Fields(2024, 1, 15, 9), Midnight(2024, 1, 15));
-    ExpectUtcOfLocal(Fields(2024, 7, 15, 9), Midnight(2024, 7, 15));
+    ExpectUtcOfLocal(LocalFields(2024, 1, 15, 9), Midnight(2024, 1, 15));
+    ExpectUtcOfLocal(LocalFields(2024, 7, 15, 9), Midnight(2024, 7, 15));
 }
 
 TEST_F(TimeZoneTokyo, KeepsTheMilliseconds) {
-    ExpectUtcOfLocal(Fields(2024, 1, 15, 9, 250), Midnight(2024, 1, 15) + 0.25 * kSecond);
+    ExpectUtcOfLocal(LocalFields(2024, 1, 15, 9, 250), Midnight(2024, 1, 15) + 0.25 * kOneSecond);
 }
 
 TEST_F(TimeZoneTokyo, ConvertsAcrossTheEpochOfDates) {
     CXmlDateTime time;
     time.SetFromDate(0.0, /*isLocal=*/true);
-    EXPECT_NEAR(-1.625, time.Date(), kTiny); // 15:00 of the day before
+    EXPECT_NEAR(-1.625, time.Date(), kAlmostNothing); // 15:00 of the day before
 }
 
 TEST_F(TimeZoneTokyo, IsNineHoursAheadAllYear) {
@@ -126,7 +126,7 @@ TEST_F(TimeZoneTokyo, IsNineHoursAheadAllYear) {
 
 TEST_F(TimeZoneTokyo, ReportsNoFailureForAnInvalidInstant) {
     CXmlDateTime time;
-    EXPECT_TRUE(time.SetFromSystemTime(Fields(2023, 2, 29, 0), /*isLocal=*/true));
+    EXPECT_TRUE(time.SetFromSystemTime(LocalFields(2023, 2, 29, 0), /*isLocal=*/true));
     EXPECT_FALSE(time.IsValid());
 }
 
@@ -140,18 +140,18 @@ protected:
 };
 
 TEST_F(TimeZoneBerlin, IsOneHourAheadInWinter) {
-    ExpectUtcOfLocal(Fields(2024, 1, 15, 12), Midnight(2024, 1, 15) + 11 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 1, 15, 12), Midnight(2024, 1, 15) + 11 * kHour);
     EXPECT_EQ(1.0, LocalAheadHours(Midnight(2024, 1, 15)));
 }
 
 TEST_F(TimeZoneBerlin, IsTwoHoursAheadInSummer) {
-    ExpectUtcOfLocal(Fields(2024, 7, 15, 12), Midnight(2024, 7, 15) + 10 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 7, 15, 12), Midnight(2024, 7, 15) + 10 * kHour);
     EXPECT_EQ(2.0, LocalAheadHours(Midnight(2024, 7, 15)));
 }
 
 TEST_F(TimeZoneBerlin, ChangesDayAtItsOwnMidnight) {
-    ExpectUtcOfLocal(Fields(2024, 7, 15, 1), Midnight(2024, 7, 14) + 23 * kHour);
-    ExpectUtcOfLocal(Fields(2024, 1, 1, 0), Midnight(2023, 12, 31) + 23 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 7, 15, 1), Midnight(2024, 7, 14) + 23 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 1, 1, 0), Midnight(2023, 12, 31) + 23 * kHour);
 }
 
 TEST_F(TimeZoneBerlin, ChangesOnTheDaysOfTheRules) {
@@ -160,25 +160,25 @@ TEST_F(TimeZoneBerlin, ChangesOnTheDaysOfTheRules) {
     EXPECT_EQ(2.0, LocalAheadHours(Midnight(2024, 3, 31) + 1.5 * kHour));
     EXPECT_EQ(2.0, LocalAheadHours(Midnight(2024, 10, 27) + 0.5 * kHour));
     EXPECT_EQ(1.0, LocalAheadHours(Midnight(2024, 10, 27) + 1.5 * kHour));
-    ExpectUtcOfLocal(Fields(2024, 3, 31, 1), Midnight(2024, 3, 31));
-    ExpectUtcOfLocal(Fields(2024, 3, 31, 4), Midnight(2024, 3, 31) + 2 * kHour);
-    ExpectUtcOfLocal(Fields(2024, 10, 27, 4), Midnight(2024, 10, 27) + 3 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 3, 31, 1), Midnight(2024, 3, 31));
+    ExpectUtcOfLocal(LocalFields(2024, 3, 31, 4), Midnight(2024, 3, 31) + 2 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 10, 27, 4), Midnight(2024, 10, 27) + 3 * kHour);
 }
 
 TEST_F(TimeZoneBerlin, KeepsTheMilliseconds) {
     for (const WORD milliseconds :
          {WORD{1}, WORD{250}, WORD{499}, WORD{500}, WORD{501}, WORD{999}}) {
-        const double rest = milliseconds / 1000.0 * kSecond;
-        ExpectUtcOfLocal(Fields(2024, 1, 15, 12, milliseconds),
+        const double rest = milliseconds / 1000.0 * kOneSecond;
+        ExpectUtcOfLocal(LocalFields(2024, 1, 15, 12, milliseconds),
                          Midnight(2024, 1, 15) + 11 * kHour + rest);
-        ExpectUtcOfLocal(Fields(2024, 7, 15, 12, milliseconds),
+        ExpectUtcOfLocal(LocalFields(2024, 7, 15, 12, milliseconds),
                          Midnight(2024, 7, 15) + 10 * kHour + rest);
     }
 }
 
 TEST_F(TimeZoneBerlin, ReportsAFailureForAnInvalidInstant) {
     CXmlDateTime time;
-    EXPECT_FALSE(time.SetFromSystemTime(Fields(2023, 2, 29, 0), /*isLocal=*/true));
+    EXPECT_FALSE(time.SetFromSystemTime(LocalFields(2023, 2, 29, 0), /*isLocal=*/true));
     EXPECT_FALSE(time.IsValid());
 }
 
@@ -192,13 +192,13 @@ protected:
 };
 
 TEST_F(TimeZoneNewYork, IsFiveHoursBehindInWinter) {
-    ExpectUtcOfLocal(Fields(2024, 1, 15, 12), Midnight(2024, 1, 15) + 17 * kHour);
-    ExpectUtcOfLocal(Fields(2024, 1, 15, 20), Midnight(2024, 1, 16) + 1 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 1, 15, 12), Midnight(2024, 1, 15) + 17 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 1, 15, 20), Midnight(2024, 1, 16) + 1 * kHour);
     EXPECT_EQ(-5.0, LocalAheadHours(Midnight(2024, 1, 15)));
 }
 
 TEST_F(TimeZoneNewYork, IsFourHoursBehindInSummer) {
-    ExpectUtcOfLocal(Fields(2024, 7, 15, 12), Midnight(2024, 7, 15) + 16 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 7, 15, 12), Midnight(2024, 7, 15) + 16 * kHour);
     EXPECT_EQ(-4.0, LocalAheadHours(Midnight(2024, 7, 15)));
 }
 
@@ -212,8 +212,8 @@ protected:
 };
 
 TEST_F(TimeZoneSydney, HasItsSummerInJanuary) {
-    ExpectUtcOfLocal(Fields(2024, 1, 15, 12), Midnight(2024, 1, 15) + 1 * kHour);
-    ExpectUtcOfLocal(Fields(2024, 7, 15, 12), Midnight(2024, 7, 15) + 2 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 1, 15, 12), Midnight(2024, 1, 15) + 1 * kHour);
+    ExpectUtcOfLocal(LocalFields(2024, 7, 15, 12), Midnight(2024, 7, 15) + 2 * kHour);
     EXPECT_EQ(11.0, LocalAheadHours(Midnight(2024, 1, 15)));
     EXPECT_EQ(10.0, LocalAheadHours(Midnight(2024, 7, 15)));
 }

@@ -29,31 +29,31 @@ struct ContextCalls {
     ACTCTXW request{};
     std::wstring source;
 };
-ContextCalls* g_calls = nullptr;
+ContextCalls* g_contextCalls = nullptr;
 
-HANDLE WINAPI WatchCreate(const ACTCTXW* request) {
-    g_calls->request = *request;
-    g_calls->source = request->lpSource ? request->lpSource : L"";
-    const HANDLE context = g_calls->create(request);
-    if (context != INVALID_HANDLE_VALUE) ++g_calls->made;
+HANDLE WINAPI WatchCreateContext(const ACTCTXW* request) {
+    g_contextCalls->request = *request;
+    g_contextCalls->source = request->lpSource ? request->lpSource : L"";
+    const HANDLE context = g_contextCalls->create(request);
+    if (context != INVALID_HANDLE_VALUE) ++g_contextCalls->made;
     return context;
 }
 
 void WINAPI WatchRelease(HANDLE context) {
-    ++g_calls->released;
-    g_calls->release(context);
+    ++g_contextCalls->released;
+    g_contextCalls->release(context);
 }
 
 BOOL WINAPI WatchActivate(HANDLE context, ULONG_PTR* cookie) {
-    if (g_calls->activationFails) return FALSE;
-    const BOOL activated = g_calls->activate(context, cookie);
-    if (activated) ++g_calls->activated;
+    if (g_contextCalls->activationFails) return FALSE;
+    const BOOL activated = g_contextCalls->activate(context, cookie);
+    if (activated) ++g_contextCalls->activated;
     return activated;
 }
 
 BOOL WINAPI WatchDeactivate(DWORD flags, ULONG_PTR cookie) {
-    ++g_calls->deactivated;
-    return g_calls->deactivate(flags, cookie);
+    ++g_contextCalls->deactivated;
+    return g_contextCalls->deactivate(flags, cookie);
 }
 
 HANDLE CurrentContext() {
@@ -73,11 +73,11 @@ size_t NextHandle() {
 
 class LoadContext : public ::testing::Test {
 protected:
-    void SetUp() override { g_calls = &m_calls; }
-    void TearDown() override { g_calls = nullptr; }
+    void SetUp() override { g_contextCalls = &m_calls; }
+    void TearDown() override { g_contextCalls = nullptr; }
 
     HRESULT Load(HMODULE module) {
-        const ImportHook create("CreateActCtxW", &WatchCreate);
+        const ImportHook create("CreateActCtxW", &WatchCreateContext);
         const ImportHook release("ReleaseActCtx", &WatchRelease);
         const ImportHook activate("ActivateActCtx", &WatchActivate);
         const ImportHook deactivate("DeactivateActCtx", &WatchDeactivate);

@@ -20,6 +20,9 @@ std::filesystem::path CounterPath();
 std::filesystem::path ActionLogPath();
 std::filesystem::path ReplayPath();
 
+// The page size of the store's databases.
+inline constexpr size_t kPageSize = 2048;
+
 using Bytes = std::vector<unsigned char>;
 Bytes ReadBytes(const std::filesystem::path& path);
 void WriteBytes(const std::filesystem::path& path, const Bytes& bytes);

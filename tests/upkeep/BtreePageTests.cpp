@@ -10,8 +10,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr size_t kPageSize = 2048;
-
 using RowTally = std::pair<size_t, size_t>;
 
 class BtreePage : public StoreTest {

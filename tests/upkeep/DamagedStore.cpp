@@ -12,8 +12,6 @@ namespace tsl::test {
 
 namespace {
 
-constexpr size_t kPageSize = 2048;
-
 // Rows of the ids first to last, one a minute; each twentieth has a text of some pages.
 void FillTable(const FileDatabase& database, const std::string& name, int first, int last) {
     const std::string table = "TslIf_" + name;

@@ -1,5 +1,6 @@
 // A user id list that cannot be read, written or reached: the user gets an id all the same.
 #include "base/Handle.h"
+#include "tests/support/Failures.h"
 #include "tests/support/ImportHook.h"
 #include "tests/user_ids/UserIdListFixture.h"
 
@@ -8,9 +9,6 @@ namespace tsl::test {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr HRESULT kSharingViolation = static_cast<HRESULT>(0x80070020);
-constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
 
 HANDLE WINAPI FailToOpenForWriting(LPCWSTR path, DWORD access, DWORD share,
                                    LPSECURITY_ATTRIBUTES attributes, DWORD disposition, DWORD flags,
