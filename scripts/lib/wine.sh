@@ -28,8 +28,9 @@ wine_fresh_prefix() {
 
 # Starts a server that outlives single programs and warms it up, so that no program inherits the
 # streams of the first one. The umask decides which access rights files have before ours are added.
+# wine_start [SECONDS]: so long it stays when nothing uses it; for good unless told.
 wine_start() {
-  (umask 077 && wine_server -p 2>/dev/null)
+  (umask 077 && wine_server "-p${1:-}" </dev/null >/dev/null 2>&1) || true # it runs already
   (umask 077 && "$root/scripts/wine" wineboot </dev/null >/dev/null 2>&1)
 }
 

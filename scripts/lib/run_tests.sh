@@ -1,0 +1,61 @@
+# Sourced by scripts/test and scripts/check. Needs common.sh, wine.sh and lanes.sh.
+
+test_results=$build/results
+
+# check_format [FILE...]: all sources unless some are named.
+check_format() {
+  local files=("$@")
+  [ $# -gt 0 ] || mapfile -t files < <(git -C "$root" ls-files '*.cpp' '*.h')
+  [ ${#files[@]} -gt 0 ] || die "git names no source files to check the format of"
+  (cd "$root" && clang-format-19 --dry-run --Werror "${files[@]}") ||
+    die "the format differs; scripts/format mends it"
+}
+
+# check_scripts [FILE...]: all shell scripts unless some are named.
+check_scripts() {
+  local files=("$@")
+  [ $# -gt 0 ] || mapfile -t files < <(shell_scripts)
+  (cd "$root" && shellcheck "${files[@]}") || die "shellcheck has objections"
+}
+
+shell_scripts() {
+  git -C "$root" ls-files -z scripts tests packaging .ci |
+    (cd "$root" && xargs -0 grep -lE '^#!.*\bbash|^# (shellcheck shell=|Sourced by)' --)
+}
+
+# build_chosen: the targets of the lines that select_tests.py printed.
+build_chosen() {
+  local chosen preset targets
+  chosen=$(cat)
+  for preset in $(cut -d ' ' -f 1 <<<"$chosen" | sort -u); do
+    mapfile -t targets < <(awk -v preset="$preset" '$1 == preset { print $3 }' <<<"$chosen" | sort -u)
+    "$root/scripts/build" "$preset" "${targets[@]}"
+  done
+}
+
+# run_chosen: the entries of the lines that select_tests.py printed.
+run_chosen() {
+  local chosen builds
+  chosen=$(cat)
+  mapfile -t builds < <(cut -d ' ' -f 1 <<<"$chosen" | sort -u)
+  run_tests "${builds[@]}" -- -R "^($(cut -d ' ' -f 2 <<<"$chosen" | sed 's/[.]/[.]/g' | paste -sd '|'))\$"
+}
+
+# run_tests BUILD... [-- argument of ctest...]: in the lanes, which must have been started. All builds in one
+# run, so that there is one summary. Ends with the number of tests that were really run.
+run_tests() {
+  local builds=() status=0
+  while [ $# -gt 0 ] && [ "$1" != -- ]; do
+    builds+=("$1")
+    shift
+  done
+  shift || true
+  printf 'subdirs(%s)\n' "${builds[*]}" >"$build/CTestTestfile.cmake"
+  rm -rf "$test_results"
+  mkdir -p "$test_results"
+  ctest --test-dir "$build" --parallel "$lane_count" --resource-spec-file "$lanes_file" --no-tests=error \
+    --output-on-failure --output-junit "$test_results/ctest.xml" "$@" || status=$?
+  [ -e "$test_results/ctest.xml" ] || die "the tests could not be run"
+  python3 "$root/scripts/lib/test_summary.py" "$test_results" "$test_results/ctest.xml" || status=$?
+  return "$status"
+}
