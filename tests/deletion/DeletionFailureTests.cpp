@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "tests/deletion/DeletionFixture.h"
+#include "tests/support/EngineSleeps.h"
 #include "tests/support/Failures.h"
 #include "tests/support/ProcessMeasures.h"
 
@@ -86,7 +87,9 @@ TEST_F(DeletionFailure, OfABusyDatabaseIsTold) {
     Prepare(kFourDays);
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN IMMEDIATE");
+    const EngineSleeps sleeps;
     ExpectFailure(kEngineBusy);
+    EXPECT_EQ(3u, sleeps.Seconds()) << "a second for each form";
     other.Query("ROLLBACK");
     ExpectAllAreLeftAndCanBeDeleted();
 }
@@ -132,6 +135,7 @@ TEST_F(DeletionFailure, OfAFileThatNobodyMayOpenIsTold) {
     {
         const CHandle owner = HoldDatabaseOpen(/*share=*/0);
         ASSERT_TRUE(owner);
+        const EngineSleeps sleeps;
         ExpectFailure(kEngineCannotOpen);
     }
     ExpectAllAreLeftAndCanBeDeleted();

@@ -1,25 +1,24 @@
 // The lock of the databases around a deletion: taken, waited for no longer than it may, given back.
-#include <chrono>
+#include <gmock/gmock.h>
+
 #include <memory>
 #include <thread>
 
 #include "tests/deletion/DeletionFixture.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/LockWatchingContainer.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 class DeletionLock : public DeletionTest {
 protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(DeletionTest::SetUp());
         Prepare(kFourDays);
-    }
-
-    double SecondsToDelete(IUnknown* container) {
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(S_OK, Delete(container));
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     }
 };
 
@@ -67,9 +66,9 @@ TEST_F(DeletionLock, ThatAnotherProcessHoldsDelaysEachFormThreeSecondsOnly) {
     } cases[] = {{OneRecord(), "1 3 4"}, {IdRange(4), "1 3"}, {TimeRange(), ""}};
     for (const auto& each : cases) {
         SCOPED_TRACE(each.left);
-        const double seconds = SecondsToDelete(each.request);
-        EXPECT_GE(seconds, 2.9);
-        EXPECT_LT(seconds, 6.0);
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
+        EXPECT_EQ(S_OK, Delete(each.request));
+        EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
         EXPECT_EQ(each.left, Left());
         EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "what was not taken is not given back";
     }
@@ -77,14 +76,15 @@ TEST_F(DeletionLock, ThatAnotherProcessHoldsDelaysEachFormThreeSecondsOnly) {
 
 TEST_F(DeletionLock, ThatComesFreeInTimeIsTaken) {
     auto other = std::make_unique<MutexHolder>(kSqliteAccessLock);
+    const LockWaits waits(HeldLocks::AreWaitedFor, kComponentLibrary);
     std::jthread release([&] {
-        Sleep(500);
+        EXPECT_TRUE(waits.SeesWaitFor(kSqliteAccessLock));
+        EXPECT_EQ("1 2 3 4", Left()) << "deleted without the lock";
         other.reset();
     });
-    const double seconds = SecondsToDelete(OneRecord());
+    EXPECT_EQ(S_OK, Delete(OneRecord()));
     release.join();
-    EXPECT_GE(seconds, 0.4);
-    EXPECT_LT(seconds, 2.9);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
     EXPECT_EQ("1 3 4", Left());
 }
 
@@ -101,9 +101,11 @@ TEST_F(DeletionLock, ThatWasAbandonedDoesNotStopTheDeletion) {
 
 TEST_F(DeletionLock, OfTheRecordIdsIsNotTouched) {
     const MutexHolder other(kLogIdLock);
-    EXPECT_LT(SecondsToDelete(OneRecord()), 2.5);
-    EXPECT_LT(SecondsToDelete(IdRange(4)), 2.5);
-    EXPECT_LT(SecondsToDelete(TimeRange()), 2.5);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
+    EXPECT_EQ(S_OK, Delete(OneRecord()));
+    EXPECT_EQ(S_OK, Delete(IdRange(4)));
+    EXPECT_EQ(S_OK, Delete(TimeRange()));
+    EXPECT_THAT(waits.TimeOuts(kLogIdLock), IsEmpty());
     EXPECT_EQ("", Left());
 }
 

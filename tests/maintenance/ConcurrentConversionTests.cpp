@@ -6,7 +6,7 @@
 
 #include "store/Maintenance.h"
 #include "tests/maintenance/OldStore.h"
-#include "tests/maintenance/WaitWatch.h"
+#include "tests/support/LockWaits.h"
 
 namespace tsl::test {
 
@@ -22,13 +22,13 @@ protected:
     // is done by change. Yields the other's answer.
     template <class Change>
     static HRESULT ConvertBeforeTheOther(Change change) {
-        const WaitWatch watch;
+        const LockWaits waits(HeldLocks::AreWaitedFor);
         CNamedMutex lock(kSqliteAccessMutexName);
-        lock.Acquire(kSqliteAccessTimeoutMilliseconds - 1);
+        lock.Acquire(/*timeoutMilliseconds=*/0); // not seen as a wait
         EXPECT_TRUE(lock.IsHeld());
         HRESULT other = E_UNEXPECTED;
         std::jthread waiting([&other] { other = Maintain(); });
-        EXPECT_TRUE(watch.SeesWaitForDatabase());
+        EXPECT_TRUE(waits.SeesWaitFor(kSqliteAccessMutexName));
         change();
         lock.Release();
         waiting.join();
@@ -106,12 +106,13 @@ TEST_F(ConcurrentConversion, DoesNotLowerACounterThatWasMadeMeanwhile) {
         std::filesystem::remove(ActionLogPath());
         std::filesystem::remove(CounterPath());
         MakeOldStore("complete.sql");
-        const WaitWatch watch;
+        const LockWaits waits(HeldLocks::AreWaitedFor);
         CNamedMutex ids(kLogIdMutexName);
-        ids.Acquire(kSqliteAccessTimeoutMilliseconds - 1);
+        ids.Acquire(/*timeoutMilliseconds=*/0);
+        ASSERT_TRUE(ids.IsHeld());
         HRESULT answer = E_UNEXPECTED;
         std::jthread maintenance([&answer] { answer = Maintain(); });
-        EXPECT_TRUE(watch.SeesWaitForCounter());
+        EXPECT_TRUE(waits.SeesWaitFor(kLogIdMutexName));
         WriteBytes(CounterPath(), CounterBytes(each.made));
         ids.Release();
         maintenance.join();

@@ -1,5 +1,6 @@
 // A conversion that fails on the way says so, leaves what it did, and is made up for by the next.
 #include "tests/maintenance/OldStore.h"
+#include "tests/support/EngineSleeps.h"
 
 namespace tsl::test {
 
@@ -39,7 +40,9 @@ TEST_F(FailedConversion, OfADatabaseThatAnotherConnectionWrites) {
         SCOPED_TRACE(begin);
         const FileDatabase other(ActionLogPath());
         other.Query(begin);
+        const EngineSleeps sleeps;
         ExpectNothingIsDone(kEngineBusy);
+        EXPECT_GE(sleeps.Seconds(), 2u) << "both runs try again for a second";
         other.Query("ROLLBACK");
         EXPECT_EQ(before, ReadActionLog());
     }
@@ -51,7 +54,9 @@ TEST_F(FailedConversion, OfADatabaseThatAnotherConnectionReads) {
         const FileDatabase other(ActionLogPath());
         other.Query("BEGIN");
         other.Query("SELECT * FROM TslIf_DbActionLog");
+        const EngineSleeps sleeps;
         ExpectNothingIsDone(kEngineBusy);
+        EXPECT_GE(sleeps.Seconds(), 2u) << "both runs try again for a second";
         other.Query("COMMIT");
     }
     ExpectTheNextRunConverts();
@@ -72,6 +77,7 @@ TEST_F(FailedConversion, OfADatabaseThatNobodyMayOpen) {
     {
         const CHandle owner = HoldOpen(/*share=*/0);
         ASSERT_TRUE(owner);
+        const EngineSleeps sleeps;
         EXPECT_EQ(kEngineCannotOpen, Maintain());
         ExpectTheSwitchWorks();
     }

@@ -1,14 +1,18 @@
 // The locks around a conversion: taken in their order, waited for no longer than they may, given
 // back.
-#include <chrono>
+#include <gmock/gmock.h>
+
 #include <memory>
 #include <thread>
 
 #include "tests/maintenance/OldStore.h"
-#include "tests/maintenance/WaitWatch.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 class MaintenanceLock : public OldStoreTest {
 protected:
@@ -17,11 +21,6 @@ protected:
         MakeOldStore("complete.sql");
         before = ReadActionLog();
     }
-    static double SecondsToMaintain(HRESULT answer = S_OK) {
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(answer, Maintain());
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
 
     StoreImage before;
 };
@@ -29,9 +28,9 @@ protected:
 TEST_F(MaintenanceLock, OfTheDatabasesThatAnotherProcessHoldsDelaysThreeSecondsOnly) {
     {
         const MutexHolder other(kSqliteAccessLock);
-        const double seconds = SecondsToMaintain();
-        EXPECT_GE(seconds, 2.9);
-        EXPECT_LT(seconds, 6.0);
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+        EXPECT_EQ(S_OK, Maintain());
+        EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
         EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "what was not taken is not given back";
     }
     ExpectCompleteStoreIsConverted(before);
@@ -40,9 +39,9 @@ TEST_F(MaintenanceLock, OfTheDatabasesThatAnotherProcessHoldsDelaysThreeSecondsO
 TEST_F(MaintenanceLock, OfTheDatabasesDelaysTheSwitchNoLonger) {
     {
         const MutexHolder other(kSqliteAccessLock);
-        const auto start = std::chrono::steady_clock::now();
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
         EXPECT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));
+        EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
         EXPECT_EQ(S_OK, Plugin().Notify(kCommandRecordAction, nullptr));
     }
     ExpectCompleteStoreIsConverted(before);
@@ -50,14 +49,15 @@ TEST_F(MaintenanceLock, OfTheDatabasesDelaysTheSwitchNoLonger) {
 
 TEST_F(MaintenanceLock, ThatComesFreeInTimeIsTaken) {
     auto other = std::make_unique<MutexHolder>(kSqliteAccessLock);
+    const LockWaits waits(HeldLocks::AreWaitedFor);
     std::jthread release([&] {
-        Sleep(500);
+        EXPECT_TRUE(waits.SeesWaitFor(kSqliteAccessLock));
+        EXPECT_EQ(before, ReadActionLog()) << "converted without the lock";
         other.reset();
     });
-    const double seconds = SecondsToMaintain();
+    EXPECT_EQ(S_OK, Maintain());
     release.join();
-    EXPECT_GE(seconds, 0.4);
-    EXPECT_LT(seconds, 2.9);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
     ExpectCompleteStoreIsConverted(before);
 }
 
@@ -65,7 +65,9 @@ TEST_F(MaintenanceLock, ThatWasAbandonedDoesNotStopTheConversion) {
     MutexHolder other(kSqliteAccessLock);
     other.Kill();
     std::thread([&] {
-        EXPECT_LT(SecondsToMaintain(), 2.5);
+        const LockWaits waits(HeldLocks::AreWaitedFor);
+        EXPECT_EQ(S_OK, Maintain());
+        EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
         EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "it stays with this thread";
     }).join();
     ExpectCompleteStoreIsConverted(before);
@@ -75,9 +77,9 @@ TEST_F(MaintenanceLock, ThatWasAbandonedDoesNotStopTheConversion) {
 TEST_F(MaintenanceLock, OfTheCounterThatAnotherProcessHoldsDelaysTenSecondsOnly) {
     {
         const MutexHolder other(kLogIdLock);
-        const double seconds = SecondsToMaintain();
-        EXPECT_GE(seconds, 9.9);
-        EXPECT_LT(seconds, 14.0);
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+        EXPECT_EQ(S_OK, Maintain());
+        EXPECT_THAT(waits.TimeOuts(kLogIdLock), ElementsAre(10000));
         EXPECT_FALSE(MutexIsFree(kLogIdLock)) << "what was not taken is not given back";
     }
     ExpectCompleteStoreIsConverted(before);
@@ -86,9 +88,9 @@ TEST_F(MaintenanceLock, OfTheCounterThatAnotherProcessHoldsDelaysTenSecondsOnly)
 TEST_F(MaintenanceLock, OfTheCounterIsTakenInsideThatOfTheDatabases) {
     auto other = std::make_unique<MutexHolder>(kLogIdLock);
     {
-        const WaitWatch watch;
+        const LockWaits waits(HeldLocks::AreWaitedFor);
         std::jthread maintenance([] { EXPECT_EQ(S_OK, Maintain()); });
-        EXPECT_TRUE(watch.SeesWaitForCounter());
+        EXPECT_TRUE(waits.SeesWaitFor(kLogIdLock));
         EXPECT_FALSE(MutexIsFree(kSqliteAccessLock));
         EXPECT_FALSE(std::filesystem::exists(CounterPath()));
         EXPECT_EQ(1, CountRows(ActionLogPath(), kIdTable)) << "not dropped before the counter";
@@ -100,9 +102,11 @@ TEST_F(MaintenanceLock, OfTheCounterIsTakenInsideThatOfTheDatabases) {
 TEST_F(MaintenanceLock, OfTheCounterIsNotTakenWithoutALastId) {
     std::filesystem::remove(ActionLogPath());
     const MutexHolder other(kLogIdLock);
-    EXPECT_LT(SecondsToMaintain(kEngineError), 2.5) << "no database";
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+    EXPECT_EQ(kEngineError, Maintain()) << "no database";
     MakeOldStore("no-last-id.sql");
-    EXPECT_LT(SecondsToMaintain(kEngineNoRow), 2.5);
+    EXPECT_EQ(kEngineNoRow, Maintain());
+    EXPECT_THAT(waits.TimeOuts(kLogIdLock), IsEmpty());
 }
 
 TEST_F(MaintenanceLock, IsFreeAfterEveryExample) {

@@ -1,9 +1,18 @@
 // What a range of record ids does to the counter, so that records to come have ids of the range.
+#include <gmock/gmock.h>
+
 #include "base/Handle.h"
 #include "tests/query/QueryFixture.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
+
+namespace {
+
+using ::testing::ElementsAre;
+
+} // namespace
 
 class IdRangeCounter : public QueryTest {
 protected:
@@ -115,12 +124,12 @@ TEST_F(IdRangeCounter, ThatAnotherProgramHasOpenIsLeftAndTheQueryAnswers) {
 // Both the reading and the raising wait for the lock.
 TEST_F(IdRangeCounter, IsRaisedWithoutTheLockAfterTenSecondsOfWaitingEachTime) {
     WriteCounterText(L"00000002\t\r\n");
-    const ULONGLONG start = GetTickCount64();
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
     {
         const MutexHolder holder(kLogIdLock);
         ExpectIds({5}, kAskForIds, ContainerBuilder().Ui4(kUser, 7).Ui4(kFirst, 5));
     }
-    EXPECT_GE(GetTickCount64() - start, 19800u);
+    EXPECT_THAT(waits.TimeOuts(kLogIdLock), ElementsAre(10000, 10000));
     ExpectCounterText(L"00000004\t\r\n");
 }
 

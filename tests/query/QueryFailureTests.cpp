@@ -5,6 +5,7 @@
 
 #include "base/Handle.h"
 #include "tests/query/QueryFixture.h"
+#include "tests/support/EngineSleeps.h"
 
 namespace tsl::test {
 
@@ -152,7 +153,9 @@ TEST_P(QueryFailure, DatabaseThatAnotherConnectionWritesIsReportedAsBusy) {
     StoreTaken({{.id = 1, .user = 1, .parameters = "'ullValues={1,2}'"}});
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN EXCLUSIVE");
+    const EngineSleeps sleeps;
     Expect(kEngineBusy);
+    EXPECT_EQ(2u, sleeps.Seconds());
     other.Query("ROLLBACK");
     EXPECT_EQ(1, CountRows(ActionLogPath(), kTakenRows));
 }
@@ -176,6 +179,7 @@ TEST_P(QueryFailure, DatabaseThatNobodyMayOpenIsReported) {
         const CHandle owner(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, /*share=*/0, nullptr,
                                         OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         ASSERT_TRUE(owner);
+        const EngineSleeps sleeps;
         Expect(kEngineCannotOpen);
     }
     fs::remove(ActionLogPath());

@@ -1,10 +1,15 @@
 // Whole records by a list of ids: what the containers hold.
+#include <gmock/gmock.h>
+
 #include "tests/query/QueryFixture.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
 
 namespace {
+
+using ::testing::ElementsAre;
 
 const std::vector<UINT64> kKeysInOrder = {
     0x050020000000000b, 0x0200002200000013, 0x0200002100000013, 0x0200002000000003,
@@ -169,11 +174,9 @@ TEST_F(RecordList, OfMoreIdsThanTheEngineTakesReportsThat) {
 TEST_F(RecordList, WaitsForTheDatabaseLockAndGoesOnWithoutIt) {
     StoreLog({{.id = 1}});
     const MutexHolder holder(kSqliteAccessLock);
-    const ULONGLONG start = GetTickCount64();
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
     EXPECT_EQ((Ids{1}), FetchIds({1}));
-    const ULONGLONG waited = GetTickCount64() - start;
-    EXPECT_GE(waited, 2900u);
-    EXPECT_LT(waited, 6000u);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
     EXPECT_FALSE(MutexIsFree(kSqliteAccessLock)) << "the other process still holds it";
 }
 

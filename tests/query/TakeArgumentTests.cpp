@@ -1,10 +1,15 @@
 // The id of the record to take, whatever the host puts into its VARIANT.
+#include <gmock/gmock.h>
+
 #include "tests/query/QueryFixture.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
 
 namespace {
+
+using ::testing::ElementsAre;
 
 constexpr char kParameters[] = "'ullValues={1,2}'";
 
@@ -131,10 +136,10 @@ TEST_F(TakeArgument, WithANullResultIsRefusedBeforeAnythingIsReadOrRemoved) {
 
 TEST_F(TakeArgument, RemovalWaitsForTheDatabaseLockAndGoesOnWithoutIt) {
     const MutexHolder holder(kSqliteAccessLock);
-    const ULONGLONG start = GetTickCount64();
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
     CVariant answer;
     ASSERT_EQ(S_OK, Ask(kTake, ContainerBuilder().Ui8(kIdToTake, 5), answer.Address()));
-    EXPECT_GE(GetTickCount64() - start, 2900u);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
     EXPECT_EQ(1u, Unpack(answer.Get()).size());
     EXPECT_EQ((Ids{0}), IdsIn(kTakenRows));
 }

@@ -1,7 +1,6 @@
 // Base of the tests that write records or issue ids: one store with the engine, nothing on disk.
 #pragma once
 
-#include <chrono>
 #include <optional>
 
 #include "store/ActionLogStore.h"
@@ -35,16 +34,6 @@ protected:
 
 private:
     std::optional<CActionLogStore> m_store;
-};
-
-class StopWatch {
-public:
-    double Seconds() const {
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
 } // namespace tsl::test

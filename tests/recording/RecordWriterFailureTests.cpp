@@ -5,6 +5,7 @@
 
 #include "tests/recording/RecordStore.h"
 #include "tests/support/Containers.h"
+#include "tests/support/EngineSleeps.h"
 
 namespace tsl::test {
 
@@ -97,8 +98,12 @@ TEST_F(RecordWriterFailure, OfADatabaseInUseIsBusy) {
     EXPECT_EQ(S_OK, Write(5, L"first"));
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN EXCLUSIVE");
-    EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
-    EXPECT_EQ(kSqliteBusyResult, Write(6, L"second"));
+    {
+        const EngineSleeps sleeps;
+        EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
+        EXPECT_EQ(kSqliteBusyResult, Write(6, L"second"));
+        EXPECT_EQ(4u, sleeps.Seconds());
+    }
     other.Query("COMMIT");
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
     EXPECT_EQ(S_OK, Write(6, L"third"));
@@ -109,7 +114,9 @@ TEST_F(RecordWriterFailure, OfADatabaseThatAnotherWritesToIsBusy) {
     EXPECT_EQ(S_OK, Write(5, L"first"));
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN IMMEDIATE");
+    const EngineSleeps sleeps;
     EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
+    EXPECT_EQ(1u, sleeps.Seconds());
     other.Query("COMMIT");
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
 }
@@ -121,8 +128,10 @@ TEST_F(RecordWriterFailure, OfTheLastStepKeepsTheOlderRow) {
         const FileDatabase reader(ActionLogPath());
         reader.Query("BEGIN");
         reader.Query("SELECT * FROM TslIf_DbActionLog");
+        const EngineSleeps sleeps;
         EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
         EXPECT_EQ(kSqliteBusyResult, Write(6, L"other"));
+        EXPECT_EQ(2u, sleeps.Seconds());
     }
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
 }

@@ -3,8 +3,12 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+#include <thread>
+
 #include "tests/recording/RecordStore.h"
 #include "tests/support/Containers.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/LockWatchingContainer.h"
 #include "tests/support/MutexHolder.h"
 
@@ -13,6 +17,7 @@ namespace tsl::test {
 using ::testing::_;
 using ::testing::AnyOf;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::Pair;
@@ -34,10 +39,9 @@ TEST_F(RecordWriterLock, IsFreeAfterwards) {
 
 TEST_F(RecordWriterLock, ThatAnotherProcessHoldsDelaysTheWriteThreeSecondsOnly) {
     const MutexHolder other(kSqliteAccessMutexName);
-    const StopWatch watch;
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
     EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem")));
-    EXPECT_GE(watch.Seconds(), 2.9);
-    EXPECT_LT(watch.Seconds(), 6.0);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), ElementsAre(3000));
     EXPECT_EQ("1", RowCount());
     EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
     EXPECT_FALSE(MutexIsFree(kSqliteAccessMutexName)) << "what was not taken is not given back";
@@ -47,23 +51,23 @@ TEST_F(RecordWriterLock, ThatTimedOutDoesNotChangeAFailure) {
     const MutexHolder other(kSqliteAccessMutexName);
     ScriptedContainer action(Action(5, L"playItem").Get());
     action.getResults[kKeyUserId] = E_ACCESSDENIED;
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
     EXPECT_EQ(E_ACCESSDENIED, WriteActionRecord(Store(), &action));
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), ElementsAre(3000));
     EXPECT_EQ("0", RowCount());
 }
 
 TEST_F(RecordWriterLock, ThatComesFreeInTimeIsTaken) {
     auto other = std::make_unique<MutexHolder>(kSqliteAccessMutexName);
-    std::thread release([&] {
-        Sleep(300);
+    const LockWaits waits(HeldLocks::AreWaitedFor);
+    std::jthread release([&] {
+        EXPECT_TRUE(waits.SeesWaitFor(kSqliteAccessMutexName));
         other.reset();
     });
     LockWatchingContainer action(Action(5, L"playItem").Get());
-    const StopWatch watch;
     EXPECT_EQ(S_OK, WriteActionRecord(Store(), &action));
-    const double seconds = watch.Seconds();
     release.join();
-    EXPECT_GE(seconds, 0.2);
-    EXPECT_LT(seconds, 2.9);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), ElementsAre(3000));
     EXPECT_THAT(action.lockWasFree, Not(AnyOf(IsEmpty(), Contains(Pair(_, true)))));
     EXPECT_EQ("1", RowCount());
 }
@@ -78,9 +82,9 @@ TEST_F(RecordWriterLock, ThatWasAbandonedDoesNotStopTheWrite) {
 TEST_F(RecordWriterLock, ThatTheStoreHoldsAlreadyIsNotWaitedForAndGivenBack) {
     Store().SqliteAccessLock().Acquire(kSqliteAccessTimeoutMilliseconds);
     ASSERT_TRUE(Store().SqliteAccessLock().IsHeld());
-    const StopWatch watch;
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
     EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem")));
-    EXPECT_LT(watch.Seconds(), 2.5);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), IsEmpty());
     EXPECT_EQ("1", RowCount());
     EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
     EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));

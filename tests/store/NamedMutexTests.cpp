@@ -1,31 +1,30 @@
 // The named mutex: waiting, the flag, and what others see of it.
 #include "base/NamedMutex.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <atomic>
 #include <string>
 #include <thread>
 
 #include "tests/support/ImportHook.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 
 namespace tsl::test {
 
 namespace {
 
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
 constexpr DWORD kShort = 60;
 constexpr DWORD kLong = 5000;
 
 struct Calls {
     decltype(&CreateMutexW) create = &CreateMutexW;
-    decltype(&WaitForSingleObject) wait = &WaitForSingleObject;
     SECURITY_ATTRIBUTES attributes{};
     SECURITY_DESCRIPTOR descriptor{};
     BOOL initialOwner = TRUE;
-    // Only waits of this thread count.
-    std::atomic<DWORD> thread = GetCurrentThreadId();
-    std::atomic<int> waits = 0;
 };
 Calls* g_calls = nullptr;
 
@@ -34,11 +33,6 @@ HANDLE WINAPI WatchCreate(SECURITY_ATTRIBUTES* attributes, BOOL initialOwner, co
     g_calls->descriptor = *static_cast<SECURITY_DESCRIPTOR*>(attributes->lpSecurityDescriptor);
     g_calls->initialOwner = initialOwner;
     return g_calls->create(attributes, initialOwner, name);
-}
-
-DWORD WINAPI CountWait(HANDLE handle, DWORD milliseconds) {
-    if (GetCurrentThreadId() == g_calls->thread) ++g_calls->waits;
-    return g_calls->wait(handle, milliseconds);
 }
 
 class NamedMutex : public ::testing::Test {
@@ -60,8 +54,6 @@ protected:
     }
 
     Calls m_calls;
-
-private:
     const std::wstring m_name =
         L"Global\\NamedMutexTests_" + std::to_wstring(GetCurrentProcessId());
 };
@@ -82,12 +74,10 @@ TEST_F(NamedMutex, IsHeldAfterAcquireAndFreeAfterRelease) {
 
 TEST_F(NamedMutex, AcquiredTwiceWaitsOnceAndIsFreeAfterOneRelease) {
     CNamedMutex mutex(Name());
-    {
-        const ImportHook hook("WaitForSingleObject", &CountWait);
-        mutex.Acquire(kLong);
-        mutex.Acquire(kLong);
-    }
-    EXPECT_EQ(1, m_calls.waits);
+    const LockWaits waits(HeldLocks::AreWaitedFor);
+    mutex.Acquire(kLong);
+    mutex.Acquire(kLong);
+    EXPECT_THAT(waits.TimeOuts(m_name), ElementsAre(kLong));
     EXPECT_TRUE(mutex.IsHeld());
     mutex.Release();
     EXPECT_TRUE(IsFree());
@@ -122,18 +112,14 @@ TEST_F(NamedMutex, TwoObjectsOfAThreadTakeItSeparately) {
 TEST_F(NamedMutex, SecondThreadOnTheSameObjectSkipsTheWait) {
     CNamedMutex mutex(Name());
     mutex.Acquire(kLong);
-    const ImportHook hook("WaitForSingleObject", &CountWait);
-    m_calls.thread = 0;
+    const LockWaits waits(HeldLocks::AreWaitedFor);
     bool held = false;
     std::thread([&] {
-        // Only this call is counted, not the waits of the thread's start and end.
-        m_calls.thread = GetCurrentThreadId();
         mutex.Acquire(kLong);
-        m_calls.thread = 0;
         held = mutex.IsHeld();
     }).join();
     EXPECT_TRUE(held);
-    EXPECT_EQ(0, m_calls.waits);
+    EXPECT_THAT(waits.TimeOuts(m_name), IsEmpty());
 }
 
 TEST_F(NamedMutex, HeldByAnotherProcessIsWaitedForThenGivenUp) {
@@ -194,11 +180,10 @@ TEST_F(NamedMutex, ThatCannotBeCreatedIsNeverWaitedFor) {
     const CHandle event(CreateEventW(nullptr, FALSE, FALSE, Name()));
     ASSERT_TRUE(event);
     CNamedMutex mutex(Name());
-    {
-        const ImportHook hook("WaitForSingleObject", &CountWait);
-        mutex.Acquire(kLong);
-    }
-    EXPECT_EQ(0, m_calls.waits);
+    const LockWaits waits(HeldLocks::AreWaitedFor);
+    mutex.Acquire(kLong);
+    EXPECT_THAT(waits.TimeOuts(m_name), IsEmpty());
+    EXPECT_THAT(waits.TimeOuts(L""), IsEmpty());
     EXPECT_FALSE(mutex.IsHeld());
     mutex.Release();
 }

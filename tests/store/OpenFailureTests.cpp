@@ -2,6 +2,7 @@
 #include "store/ActionLogStore.h"
 #include "store/SqliteResult.h"
 #include "tests/support/ComponentCopy.h"
+#include "tests/support/EngineSleeps.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/StoreFixture.h"
 
@@ -106,6 +107,7 @@ TEST_F(OpenFailure, OfAFileThatSomebodyHoldsAloneIsMapped) {
                                     OPEN_EXISTING, 0, nullptr));
     ASSERT_TRUE(alone);
     CDatabase database;
+    const EngineSleeps sleeps;
     EXPECT_EQ(kMappedCannotOpen, m_store.OpenSelected(&database));
 }
 
@@ -157,8 +159,12 @@ TEST_F(OpenFailure, OfALockedFileShowsAtTheFirstStatement) {
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN EXCLUSIVE");
     CDatabase database;
-    EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
-    EXPECT_EQ(kMappedBusy, Run(database, kInsert));
+    {
+        const EngineSleeps sleeps;
+        EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+        EXPECT_EQ(kMappedBusy, Run(database, kInsert));
+        EXPECT_EQ(2u, sleeps.Seconds());
+    }
     other.Query("COMMIT");
     EXPECT_EQ(kMappedOk, Run(database, kInsert));
 }

@@ -3,6 +3,7 @@
 
 #include "store/ActionLogStore.h"
 #include "store/SqliteResult.h"
+#include "tests/support/EngineSleeps.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/StoreFixture.h"
 
@@ -121,8 +122,10 @@ TEST_F(Schema, FailuresOfTheEngineAreMapped) {
     EXPECT_EQ(kMappedError, CreateRecordIdTable(&m_engine, m_database, L"TslIf", L"a b"));
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN EXCLUSIVE");
+    const EngineSleeps sleeps;
     EXPECT_EQ(kMappedBusy, CreateActionTable(&m_engine, m_database, L"TslIf", L"DbActionLog"));
     EXPECT_EQ(kMappedBusy, CreateRecordIdTable(&m_engine, m_database, L"TslIf", L"ActionRecordId"));
+    EXPECT_EQ(2u, sleeps.Seconds());
 }
 
 TEST(SchemaName, IsPrefixUnderscoreName) {

@@ -159,6 +159,7 @@ TEST_F(StoreLifecycle, WhoseMutexesCannotBeMadeWorksUnlocked) {
     EXPECT_EQ("0", FileDatabase(ActionLogPath()).Value("SELECT COUNT(*) FROM TslIf_DbActionLog"));
 }
 
+// The one test that really waits for this lock; the others look at the time-out.
 TEST_F(StoreLifecycle, BusyAccessLockIsGivenUpAfterThreeSecondsAndTheWorkGoesOn) {
     const MutexHolder holder(kSqliteAccess);
     CActionLogStore store(ThisProgram());

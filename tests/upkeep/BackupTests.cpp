@@ -4,6 +4,7 @@
 #include "files/UserIdList.h"
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/FullForm.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
@@ -15,6 +16,7 @@ namespace tsl::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 // What the engine of the tests says of a database; what it fails with otherwise.
@@ -125,14 +127,16 @@ TEST_F(Backup, TakesAnInterruptedChangeBack) {
 TEST_F(Backup, WaitsForTheLocksAndThenGivesUp) {
     MakeSample();
     const FolderContent before = StoreContent();
-    std::vector<const wchar_t*> locks = {kSqliteAccessLock}; // each wait takes its time
-    if (IsFullForm()) locks = {kSqliteAccessLock, kLogIdLock, kLoginInfoMutexName};
-    for (const wchar_t* const lock : locks) {
+    const std::pair<const wchar_t*, DWORD> timeOuts[] = {
+        {kSqliteAccessLock, 3000}, {kLogIdLock, 10000}, {kLoginInfoMutexName, 3000}};
+    for (const auto& [lock, timeOut] : timeOuts) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(lock)));
         const MutexHolder holder(lock);
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
         const Outcome outcome =
             OutcomeOf([&] { BackUpStore(Store(), Folder().wstring(), "", Unheard); });
         EXPECT_EQ(ExitCode::Locked, outcome.code) << outcome.message;
+        EXPECT_THAT(waits.TimeOuts(lock), ElementsAre(timeOut));
         EXPECT_FALSE(fs::exists(Folder()));
     }
     EXPECT_EQ(before, StoreContent());

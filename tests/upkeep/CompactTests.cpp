@@ -2,6 +2,7 @@
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/FullForm.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
@@ -13,6 +14,7 @@ namespace tsl::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 BOOL WINAPI WriteToFullDisk(HANDLE, const void*, DWORD, DWORD*, OVERLAPPED*) {
@@ -123,9 +125,11 @@ TEST_F(Compact, WaitsForTheLockAndThenGivesUp) {
     MakeSample();
     const FolderContent before = StoreContent();
     const MutexHolder holder(kSqliteAccessLock);
-    const ConsoleResult refused = RunConsole(L"compact");
-    EXPECT_EQ(3, refused.exitCode) << refused.output;
-    EXPECT_THAT(refused.errors, HasSubstr("SQLiteAccess"));
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+    const Outcome outcome = Run();
+    EXPECT_EQ(ExitCode::Locked, outcome.code);
+    EXPECT_THAT(outcome.message, HasSubstr("SQLiteAccess"));
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
     EXPECT_EQ(before, StoreContent());
 }
 

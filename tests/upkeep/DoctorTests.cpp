@@ -5,6 +5,7 @@
 
 #include "files/UserIdList.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DoctorFixture.h"
@@ -119,7 +120,10 @@ TEST_F(Doctor, FileInThePlaceOfAFolderIsDamage) {
 
 TEST_F(Doctor, HeldLockIsAWarningAndTheDatabasesAreExaminedAllTheSame) {
     const MutexHolder host(kSqliteAccessLock);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
     const Findings findings = ExamineUnchanged();
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), testing::ElementsAre(3000))
+        << "once in vain is enough";
     EXPECT_WARNING(WorstOf(findings, "SQLiteAccess lock"), "a host is at work");
     EXPECT_OK(WorstOf(findings, "LogId lock"));
     EXPECT_OK(WorstOf(findings, "ualog.db"));

@@ -5,6 +5,7 @@
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/FullForm.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
@@ -230,10 +231,9 @@ TEST_F(RecordFeed, TakesNoLockWhereNothingHasChanged) {
     Execute(InsertText(1, 3));
     CRecordFeed feed = Feed();
     feed.Look();
-    const MutexHolder holder(kSqliteAccessLock);
-    const ULONGLONG start = GetTickCount64();
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
     EXPECT_EQ("", Ids(feed.Look()));
-    EXPECT_LT(GetTickCount64() - start, 1000u);
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), testing::IsEmpty());
 }
 
 TEST_F(RecordFeed, TriesAgainWhereTheLockIsHeld) {
@@ -241,7 +241,9 @@ TEST_F(RecordFeed, TriesAgainWhereTheLockIsHeld) {
     Execute(InsertText(1, 1));
     {
         const MutexHolder holder(kSqliteAccessLock);
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
         EXPECT_EQ("", Ids(feed.Look()));
+        EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), testing::ElementsAre(3000));
     }
     EXPECT_EQ("1 ", Ids(feed.Look()));
 }

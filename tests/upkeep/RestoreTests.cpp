@@ -2,6 +2,7 @@
 #include "files/UserIdList.h"
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/FullForm.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
@@ -13,6 +14,7 @@ namespace tsl::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr char kThreeRecords[] = "{\"name\":\"a\",\"app\":1,\"user\":1}\n"
@@ -135,12 +137,14 @@ TEST_F(Restore, WantsTheFolderOfABackup) {
 TEST_F(Restore, WaitsForTheLocksAndThenGivesUp) {
     BackUpAndChange();
     const FolderContent before = StoreContent();
-    std::vector<const wchar_t*> locks = {kLoginInfoMutexName}; // each wait takes its time
-    if (IsFullForm()) locks = {kSqliteAccessLock, kLogIdLock, kLoginInfoMutexName};
-    for (const wchar_t* const lock : locks) {
+    const std::pair<const wchar_t*, DWORD> timeOuts[] = {
+        {kSqliteAccessLock, 3000}, {kLogIdLock, 10000}, {kLoginInfoMutexName, 3000}};
+    for (const auto& [lock, timeOut] : timeOuts) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(lock)));
         const MutexHolder holder(lock);
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
         EXPECT_EQ(ExitCode::Locked, Run().code);
+        EXPECT_THAT(waits.TimeOuts(lock), ElementsAre(timeOut));
     }
     EXPECT_EQ(before, StoreContent());
     for (const wchar_t* const lock : {kSqliteAccessLock, kLogIdLock, kLoginInfoMutexName})

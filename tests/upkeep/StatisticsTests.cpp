@@ -5,6 +5,7 @@
 
 #include "console/Failure.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DamagedStore.h"
@@ -256,7 +257,9 @@ TEST_F(Statistics, NothingIsChangedAndNoLockKept) {
 
 TEST_F(Statistics, LockThatIsHeldIsWaitedForAndTold) {
     const MutexHolder holder(kSqliteAccessLock);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
     EXPECT_EQ(ExitCode::Locked, CodeOfFailure());
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
 }
 
 } // namespace

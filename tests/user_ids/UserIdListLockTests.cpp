@@ -1,10 +1,11 @@
 // The mutex around the user id list: waited for, given back, closed.
+#include <gmock/gmock.h>
+
 #include <algorithm>
-#include <chrono>
-#include <functional>
 #include <memory>
 #include <thread>
 
+#include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/ProcessMeasures.h"
 #include "tests/user_ids/UserIdListFixture.h"
@@ -13,46 +14,36 @@ namespace tsl::test {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-double SecondsOf(const std::function<void()>& call) {
-    const auto start = std::chrono::steady_clock::now();
-    call();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-} // namespace
+using ::testing::ElementsAre;
 
 class UserIdListLock : public UserIdListTest {};
 
 TEST_F(UserIdListLock, ThatAnotherProcessHoldsIsWaitedForHoweverLong) {
-    for (const int milliseconds : {1000, 4000}) {
-        auto other = std::make_unique<MutexHolder>(kLoginLock);
-        bool touchedMeanwhile = false;
-        std::jthread release([&] {
-            Sleep(static_cast<DWORD>(milliseconds));
-            touchedMeanwhile = fs::exists(UserIdListPath());
-            other.reset();
-        });
-        const double seconds = SecondsOf([] { EXPECT_EQ(1u, LookUp(L"S-1").id); });
-        release.join();
-        EXPECT_GE(seconds, milliseconds / 1000.0 - 0.1);
-        EXPECT_LT(seconds, milliseconds / 1000.0 + 10);
-        EXPECT_FALSE(touchedMeanwhile);
-        ASSERT_TRUE(fs::remove(UserIdListPath()));
-    }
+    auto other = std::make_unique<MutexHolder>(kLoginLock);
+    const LockWaits waits(HeldLocks::AreWaitedFor);
+    bool touchedMeanwhile = false;
+    std::jthread release([&] {
+        EXPECT_TRUE(waits.SeesWaitFor(kLoginLock));
+        touchedMeanwhile = fs::exists(UserIdListPath());
+        other.reset();
+    });
+    EXPECT_EQ(1u, LookUp(L"S-1").id);
+    release.join();
+    EXPECT_THAT(waits.TimeOuts(kLoginLock), ElementsAre(INFINITE));
+    EXPECT_FALSE(touchedMeanwhile);
 }
 
 TEST_F(UserIdListLock, IsWaitedForByAnyWayToTheCurrentUser) {
     auto other = std::make_unique<MutexHolder>(kLoginLock);
+    const LockWaits waits(HeldLocks::AreWaitedFor);
     std::jthread release([&] {
-        Sleep(1000);
+        EXPECT_TRUE(waits.SeesWaitFor(kLoginLock));
         other.reset();
     });
     UINT64 id = 0;
-    const double seconds = SecondsOf([&] { EXPECT_EQ(S_FALSE, CurrentUserId(id)); });
+    EXPECT_EQ(S_FALSE, CurrentUserId(id));
     release.join();
-    EXPECT_GE(seconds, 0.9);
+    EXPECT_THAT(waits.TimeOuts(kLoginLock), ElementsAre(INFINITE));
     EXPECT_EQ(1u, id);
 }
 

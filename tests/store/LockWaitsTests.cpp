@@ -1,0 +1,83 @@
+// What the tests of the locks see of a wait, and what they leave of it to the system.
+#include "tests/support/LockWaits.h"
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+#include "base/NamedMutex.h"
+#include "tests/support/MutexHolder.h"
+#include "tests/support/StoreChecks.h"
+
+namespace tsl::test {
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr wchar_t kWatchedLock[] = L"Global\\LockWaitsTests";
+constexpr wchar_t kOtherLock[] = L"Global\\LockWaitsTests_Other";
+
+void* ImportedWait() {
+    return ImportHook::Imported(GetModuleHandleW(nullptr), "WaitForSingleObject");
+}
+
+} // namespace
+
+TEST(LockWaits, AreToldApartByTheNameOfTheLock) {
+    CNamedMutex mutex(kWatchedLock);
+    CNamedMutex other(kOtherLock);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+    other.Acquire(70000);
+    mutex.Acquire(50000);
+    mutex.Release();
+    mutex.Acquire(INFINITE);
+    EXPECT_THAT(waits.TimeOuts(kWatchedLock), ElementsAre(50000, INFINITE));
+    EXPECT_THAT(waits.TimeOuts(kOtherLock), ElementsAre(70000));
+}
+
+TEST(LockWaits, TakeALockThatIsFree) {
+    CNamedMutex mutex(kWatchedLock);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+    mutex.Acquire(50000);
+    EXPECT_TRUE(mutex.IsHeld());
+    EXPECT_FALSE(MutexIsFree(kWatchedLock));
+}
+
+TEST(LockWaits, GiveAHeldLockUpAtOnceOrWaitForIt) {
+    const MutexHolder holder(kWatchedLock);
+    CNamedMutex mutex(kWatchedLock);
+    for (const auto& [held, timeOut] : {std::pair(HeldLocks::AreGivenUpAtOnce, DWORD{600000}),
+                                        std::pair(HeldLocks::AreWaitedFor, DWORD{100})}) {
+        const LockWaits waits(held);
+        const ULONGLONG start = GetTickCount64();
+        mutex.Acquire(timeOut);
+        EXPECT_FALSE(mutex.IsHeld());
+        EXPECT_GE(GetTickCount64() - start, held == HeldLocks::AreWaitedFor ? 90u : 0u);
+        EXPECT_THAT(waits.TimeOuts(kWatchedLock), ElementsAre(timeOut));
+    }
+}
+
+TEST(LockWaits, OfATryAreNone) {
+    CNamedMutex mutex(kWatchedLock);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+    mutex.Acquire(0);
+    EXPECT_TRUE(mutex.IsHeld());
+    EXPECT_THAT(waits.TimeOuts(kWatchedLock), IsEmpty());
+}
+
+TEST(LockWaits, LeaveTheProgramAsItWas) {
+    void* const before = ImportedWait();
+    {
+        const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
+        EXPECT_NE(before, ImportedWait());
+        EXPECT_THROW(LockWaits(HeldLocks::AreWaitedFor), std::logic_error);
+        EXPECT_NE(before, ImportedWait());
+    }
+    EXPECT_EQ(before, ImportedWait());
+    EXPECT_THROW(LockWaits(HeldLocks::AreWaitedFor, L"not loaded.dll"), std::runtime_error);
+    EXPECT_EQ(before, ImportedWait());
+}
+
+} // namespace tsl::test
