@@ -1,7 +1,6 @@
 // Which records a command is about, as the command line says it, and the ids of those records.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,9 +23,6 @@ struct RecordSelection {
     bool HasIds() const { return first || last; }
 };
 
-// Adds the options to a command.
-void AddSelectionOptions(CLI::App& command, RecordSelection& selection);
-
 // What the component does not filter by.
 struct RecordFilter {
     std::string name;
@@ -34,8 +30,6 @@ struct RecordFilter {
 
     bool Matches(const StoredRecord& record) const;
 };
-
-void AddFilterOptions(CLI::App& command, RecordFilter& filter);
 
 // Arguments of the component's range commands for one user and the time or the record-id bounds.
 CComPtr<CTslParamContainer> TimeRangeArguments(const RecordSelection& selection, UINT32 user);

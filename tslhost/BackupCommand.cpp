@@ -1,6 +1,5 @@
 // tslhost backup
 #include <algorithm>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/StorePlace.h"
@@ -52,7 +51,9 @@ void PrintText(const std::wstring& folder, const BackupManifest& manifest) {
     PrintLine(FileSize(all) + " backed up to " + ToUtf8(folder));
 }
 
-void BackUp(const std::string& folder, const CommandContext& context) {
+} // namespace
+
+ExitCode RunBackup(const std::string& folder, const CommandContext& context) {
     const std::wstring path = FullPath(ToUtf16(folder));
     CProgress progress;
     const BackupManifest manifest =
@@ -63,17 +64,7 @@ void BackUp(const std::string& folder, const CommandContext& context) {
     } else {
         PrintText(path, manifest);
     }
-}
-
-} // namespace
-
-void AddBackupCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "backup", "Copy the store into a folder, with sums of its files, while its hosts run");
-    const auto folder = std::make_shared<std::string>();
-    command->add_option("FOLDER", *folder, "Folder that is empty, or is not there yet")->required();
-    command->footer("Example: tslhost backup D:\\backups\\2026-11-21");
-    command->callback([&context, folder] { BackUp(*folder, context); });
+    return ExitCode::Fine;
 }
 
 } // namespace tsl

@@ -11,9 +11,7 @@
 
 namespace tsl {
 
-namespace {
-
-void Compact(const CommandContext& context) {
+ExitCode RunCompact(const CommandContext& context) {
     CProgress progress;
     const std::vector<CompactedFile> files = CompactStore(MachineStore(), ShownOn(progress));
     progress.Clear();
@@ -26,19 +24,11 @@ void Compact(const CommandContext& context) {
     }
     if (context.json) {
         PrintLine(nlohmann::ordered_json({{"files", std::move(json)}}).dump());
-        return;
+        return ExitCode::Fine;
     }
     for (const std::string& line : table.Lines(OutputWidth()))
         PrintLine(line);
-}
-
-} // namespace
-
-void AddCompactCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "compact", "Give back the room that deleted records left in the databases");
-    command->footer("Example: tslhost compact");
-    command->callback([&context] { Compact(context); });
+    return ExitCode::Fine;
 }
 
 } // namespace tsl

@@ -1,9 +1,7 @@
 // tslhost delete
 #include <algorithm>
-#include <memory>
 
 #include "component/host/ParamKeys.h"
-#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
@@ -16,13 +14,6 @@ namespace {
 
 constexpr UINT32 kKindOfSystemUsers = 2;
 constexpr UINT32 kOtherwiseUser = 1;
-
-struct DeleteOptions {
-    RecordSelection selection;
-    std::optional<UINT32> id;
-    bool dryRun = false;
-    bool yes = false;
-};
 
 // A record is deleted by its id for one user only, whom the log kind determines.
 UINT32 UserOfSingleDeletion(UINT32 kind) {
@@ -69,7 +60,9 @@ void CheckForm(const DeleteOptions& options) {
     }
 }
 
-ExitCode Delete(DeleteOptions options, const CommandContext& context) {
+} // namespace
+
+ExitCode RunDelete(DeleteOptions options, const CommandContext& context) {
     CheckForm(options);
     if (!options.selection.kind) options.selection.kind = 1;
     CHostSession session(context.pluginPath);
@@ -87,21 +80,6 @@ ExitCode Delete(DeleteOptions options, const CommandContext& context) {
     const size_t left = Count(session, options);
     PrintRemoval(count - std::min(count, left), /*removed=*/true, context.json);
     return ExitCode::Fine;
-}
-
-} // namespace
-
-void AddDeleteCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand("delete", "Remove records of a user and log kind");
-    const auto options = std::make_shared<DeleteOptions>();
-    command->add_option("--id", options->id, "One record")->check(ANumber<UINT32>());
-    AddSelectionOptions(*command, options->selection);
-    command->get_option("--user")->required()->expected(1)->default_str("")->description("User id");
-    command->get_option("--kind")->description("Log kind; default: 1");
-    command->add_flag("--dry-run", options->dryRun, "Only say how many records would be removed");
-    command->add_flag("--yes", options->yes, "Remove them");
-    command->footer("Example: tslhost delete --user 1 --until 2026-01-01T00:00:00Z --dry-run");
-    command->callback([&context, options] { context.exitCode = Delete(*options, context); });
 }
 
 } // namespace tsl

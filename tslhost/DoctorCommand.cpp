@@ -72,7 +72,9 @@ void PrintJson(const Finding& finding) {
     PrintLine(object.dump());
 }
 
-ExitCode ExamineAndPrint(const CommandContext& context) {
+} // namespace
+
+ExitCode RunDoctor(const CommandContext& context) {
     CProgress progress;
     progress.Show("examining the store");
     const Findings findings = Examine(MachineStore(), context.pluginPath);
@@ -81,18 +83,6 @@ ExitCode ExamineAndPrint(const CommandContext& context) {
     for (const Finding& finding : findings)
         context.json ? PrintJson(finding) : printer.Print(finding);
     return HasDamage(findings) ? ExitCode::Damaged : ExitCode::Fine;
-}
-
-} // namespace
-
-void AddDoctorCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "doctor", "Examine the component, its locks and the store, and say what mends them");
-    command->footer(
-        "Example: tslhost doctor --json\n"
-        "It changes nothing. It ends with 4 where something is damaged; errors of rights "
-        "alone end with 0.");
-    command->callback([&context] { context.exitCode = ExamineAndPrint(context); });
 }
 
 } // namespace tsl

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/ExportFormat.h"
@@ -18,26 +17,9 @@ namespace tsl {
 
 namespace {
 
-constexpr char kFooter[] =
-    "Example: tslhost export --since 2026-11-01T00:00:00Z --format csv --output november.csv\n"
-    "Each record stands on a line, by ascending id: id, time, user, app, kind, name, parameters "
-    "(the raw text) and the value lists that are decoded from it: ullValues, usValues, "
-    "intValues, boolValues, stringValues, floatValues. A list that cannot be read is left out. A "
-    "line of jsonl is also one of import, which keeps the ids with --keep-ids. Numbers that are "
-    "none of JSON's are the texts \"inf\", \"-inf\", \"nan\" and \"-nan\".\n"
-    "\n"
-    "csv has a line of names, CR LF and UTF-8 without a mark; a list is JSON text. Texts stand "
-    "as they are: a spreadsheet takes one that begins with = + - or @ for a formula, so import "
-    "such columns as text.";
-
-struct ExportOptions {
-    RecordSelection selection;
-    RecordFilter filter;
-    std::string format = "jsonl";
-    std::string file;
-
-    bool IsCsv() const { return format == "csv"; }
-};
+bool IsCsv(const ExportOptions& options) {
+    return options.format == "csv";
+}
 
 // Whether an option that can be given was not given, or names this one.
 bool Selects(const std::vector<UINT32>& users, UINT32 user) {
@@ -98,9 +80,9 @@ size_t WriteRecords(std::ostream& output, CHostSession& session,
                     const std::map<UINT32, UINT32>& kinds, const ExportOptions& options) {
     CProgress progress;
     size_t written = 0;
-    if (options.IsCsv()) output << ExportCsvTitles();
+    if (IsCsv(options)) output << ExportCsvTitles();
     return ForEachRecord(session, kinds, options, [&](const ExportedRecord& exported) {
-        output << (options.IsCsv() ? ExportCsvLine(exported) : ExportJson(exported) + '\n');
+        output << (IsCsv(options) ? ExportCsvLine(exported) : ExportJson(exported) + '\n');
         if (!output) throw CFailure(ExitCode::Denied, "cannot write the records");
         ++written;
         if (!options.file.empty()) progress.Show(std::to_string(written) + " records");
@@ -112,7 +94,9 @@ void PrintSummary(size_t count, bool json) {
                    : CountOfRecords(count) + " exported");
 }
 
-ExitCode Export(const ExportOptions& options, const CommandContext& context) {
+} // namespace
+
+ExitCode RunExport(const ExportOptions& options, const CommandContext& context) {
     CHostSession session(context.pluginPath);
     const RecordOwners known = ReadRecordOwners(ActionLogPath());
     const auto kinds = SelectKinds(session, options.selection, known);
@@ -132,27 +116,6 @@ ExitCode Export(const ExportOptions& options, const CommandContext& context) {
         return ExitCode::PartlyDone;
     }
     return count == 0 ? ExitCode::NothingFound : ExitCode::Fine;
-}
-
-} // namespace
-
-void AddExportCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "export", "Write records, with their log kinds, as JSON Lines or CSV, oldest id first");
-    const auto options = std::make_shared<ExportOptions>();
-    options->selection.users.clear();
-    AddSelectionOptions(*command, options->selection);
-    command->get_option("--user")->default_str("")->description(
-        "User id; may be given again and again; default: all");
-    command->get_option("--kind")->description("Log kind; default: all");
-    AddFilterOptions(*command, options->filter);
-    command->add_option("--format", options->format, "jsonl or csv")
-        ->check(CLI::IsMember({"jsonl", "csv"}))
-        ->capture_default_str();
-    command->add_option("--output", options->file,
-                        "File to write, whole or not at all; default: the standard output");
-    command->footer(kFooter);
-    command->callback([&context, options] { context.exitCode = Export(*options, context); });
 }
 
 } // namespace tsl

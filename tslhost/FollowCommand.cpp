@@ -1,8 +1,6 @@
 // tslhost follow
-#include <memory>
 
 #include "base/Handle.h"
-#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/StorePlace.h"
@@ -15,17 +13,10 @@ namespace {
 
 constexpr UINT32 kShortestInterval = 10;
 
-struct FollowOptions {
-    std::optional<UINT32> after;
-    std::optional<UINT32> user;
-    std::optional<UINT32> kind;
-    UINT32 interval = 500;
-
-    bool Selects(const ExportedRecord& exported) const {
-        return user.value_or(exported.record.user) == exported.record.user &&
-               kind.value_or(exported.kind) == exported.kind;
-    }
-};
+bool Selects(const FollowOptions& options, const ExportedRecord& exported) {
+    return options.user.value_or(exported.record.user) == exported.record.user &&
+           options.kind.value_or(exported.kind) == exported.kind;
+}
 
 // For the handler, which is given nothing.
 HANDLE g_stop = nullptr;
@@ -49,40 +40,24 @@ HANDLE StopEvent() {
     return stop.Get();
 }
 
-void Follow(const FollowOptions& options, bool json) {
+} // namespace
+
+ExitCode RunFollow(const FollowOptions& options, const CommandContext& context) {
     if (options.interval < kShortestInterval) {
         throw CFailure(ExitCode::Usage,
                        "--interval is at least " + std::to_string(kShortestInterval));
     }
     const HANDLE stop = StopEvent();
-    if (!json) PrintLine(RecordTitles());
+    if (!context.json) PrintLine(RecordTitles());
     CRecordFeed feed(ActionLogPath(), options.after);
     do {
         for (const ExportedRecord& exported : feed.Look()) {
-            if (!options.Selects(exported)) continue;
-            PrintLine(json ? ExportJson(exported) : RecordLine(exported.record));
+            if (!Selects(options, exported)) continue;
+            PrintLine(context.json ? ExportJson(exported) : RecordLine(exported.record));
         }
         // Who reads along may have gone.
     } while (!std::ferror(stdout) && WaitForSingleObject(stop, options.interval) == WAIT_TIMEOUT);
-}
-
-} // namespace
-
-void AddFollowCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command =
-        app.add_subcommand("follow", "Print new records as they come, until interrupted (Ctrl-C)");
-    const auto options = std::make_shared<FollowOptions>();
-    command
-        ->add_option("--after", options->after,
-                     "Begin behind this record id; default: the highest that is there")
-        ->check(ANumber<UINT32>());
-    command->add_option("--user", options->user, "Only of this user id")->check(ANumber<UINT32>());
-    command->add_option("--kind", options->kind, "Only of this log kind")->check(ALogKind());
-    command->add_option("--interval", options->interval, "Milliseconds from one look to the next")
-        ->check(ANumber<UINT32>())
-        ->capture_default_str();
-    command->footer("Example: tslhost follow --user 1 --json");
-    command->callback([&context, options] { Follow(*options, context.json); });
+    return ExitCode::Fine;
 }
 
 } // namespace tsl

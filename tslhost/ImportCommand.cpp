@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/ActionJson.h"
@@ -20,33 +19,6 @@ namespace tsl {
 namespace {
 
 constexpr char kStandardInput[] = "-";
-
-constexpr char kFooter[] =
-    "A line:\n"
-    "  {\"name\":\"playItem\",\"app\":3,\"user\":1,"
-    "\"time\":\"2026-11-21T08:30:00Z\",\"ullValues\":[4711]}\n"
-    "Example: tslhost import --keep-ids saved.jsonl\n"
-    "With --keep-ids, into an empty store, a second export gives the same bytes, but for\n"
-    "- log kind 2: recording adds the moment and the linked item, so that a record becomes "
-    "another (all but externalApplicationLog);\n"
-    "- names that a log kind keeps out of the action log: 1 showExternalLink(ForTv), 2 "
-    "showExternalLink(ForMusic), 8 playItem and skipForwardItem, 16 showExternalLink(ForSns), "
-    "tweet and registerFavoriteTweet; and viaMoveContent, which would move content: refused;\n"
-    "- veSettingReset: refused where its user has another record of its log kind, which it would "
-    "delete;\n"
-    "- log kind 0, and times that are no date from 1900 on: refused;\n"
-    "- parameters in another form than the one that is written today: become others.\n"
-    "\n"
-    "Each is told and counted, and the exit code is 6. What is there already with the same "
-    "content is passed over, so that an interrupted import goes on when it is run again; what is "
-    "there with another content is left alone. The time of recording, by which --since and "
-    "--until go, is that of the import. What deleteItem and autoDeleteItem of log kind 1 deleted "
-    "can be taken again.";
-
-struct ImportOptions {
-    std::string file;
-    bool keepIds = false;
-};
 
 struct ImportCounts {
     size_t recorded = 0;
@@ -139,7 +111,9 @@ std::vector<Count> ImportWithIds(CActionLines& lines, CHostSession& session) {
             {"becameOthers", "became others", counts.becameOthers, /*isTold=*/true}};
 }
 
-ExitCode Import(const ImportOptions& options, const CommandContext& context) {
+} // namespace
+
+ExitCode RunImport(const ImportOptions& options, const CommandContext& context) {
     std::ifstream opened;
     if (options.file != kStandardInput) {
         opened.open(std::filesystem::path(ToUtf16(options.file)), std::ios::binary);
@@ -154,21 +128,6 @@ ExitCode Import(const ImportOptions& options, const CommandContext& context) {
     const bool isPartly = std::ranges::any_of(
         counts, [](const Count& count) { return count.isTold && count.number > 0; });
     return isPartly ? ExitCode::PartlyDone : ExitCode::Fine;
-}
-
-} // namespace
-
-void AddImportCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command =
-        app.add_subcommand("import", "Record the actions of a file, one JSON object a line");
-    const auto options = std::make_shared<ImportOptions>();
-    command->add_option("FILE", options->file, "JSON Lines file, or - for the standard input")
-        ->required();
-    command->add_flag("--keep-ids", options->keepIds,
-                      "Record each under the id of its line, as export writes it, instead of a new "
-                      "one");
-    command->footer(kFooter);
-    command->callback([&context, options] { context.exitCode = Import(*options, context); });
 }
 
 } // namespace tsl

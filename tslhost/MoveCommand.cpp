@@ -3,12 +3,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/ContentStore.h"
 #include "console/HostSession.h"
-#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/Table.h"
 #include "console/Text.h"
@@ -20,17 +18,6 @@ namespace tsl {
 namespace {
 
 constexpr wchar_t kMoveAction[] = L"viaMoveContent";
-
-struct MoveOptions {
-    std::string oldTexts[2];
-    std::string newTexts[2];
-    INT32 number = 0;
-    std::string file;
-    INT32 app = 0;
-    UINT32 user = 1;
-    UINT32 kind = 1;
-    bool save = false;
-};
 
 HostAction MoveAction(const MoveOptions& options) {
     HostAction action;
@@ -89,7 +76,9 @@ bool Differ(const std::vector<ContentItem>& before, const std::vector<ContentIte
                                &ContentItem::properties);
 }
 
-ExitCode Move(const MoveOptions& options, const CommandContext& context) {
+} // namespace
+
+ExitCode RunMove(const MoveOptions& options, const CommandContext& context) {
     const std::vector<ContentItem> before = ReadItems(options.file);
     CContentStore store(before);
     g_store = &store;
@@ -106,35 +95,6 @@ ExitCode Move(const MoveOptions& options, const CommandContext& context) {
     }
     if (changed && options.save) SaveItems(options.file, store.Items());
     return changed ? ExitCode::Fine : ExitCode::NothingFound;
-}
-
-} // namespace
-
-void AddMoveCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "move", "Report a content move and show what becomes of the content items of a file");
-    const auto options = std::make_shared<MoveOptions>();
-    command->add_option("OLD1", options->oldTexts[0], "First text of the properties")->required();
-    command->add_option("OLD2", options->oldTexts[1], "Second text of the properties")->required();
-    command->add_option("NEW1", options->newTexts[0], "Their new first text")->required();
-    command->add_option("NEW2", options->newTexts[1], "Their new second text")->required();
-    command->add_option("--number", options->number, "Their new number")
-        ->required()
-        ->check(ANumber<INT32>());
-    command->add_option("--items", options->file, "JSON file of content items")->required();
-    command->add_option("--app", options->app, "Application id")
-        ->check(ANumber<INT32>())
-        ->capture_default_str();
-    command->add_option("--user", options->user, "User id")
-        ->check(ANumber<UINT32>())
-        ->capture_default_str();
-    command->add_option("--kind", options->kind, "Log kind")
-        ->check(ALogKind())
-        ->capture_default_str();
-    command->add_flag("--save", options->save, "Write the changed items back to the file");
-    command->footer("Example: tslhost move Albums/ a.jpg Archive/2026 a.jpg --number 7 --items "
-                    "examples/content-items.json");
-    command->callback([&context, options] { context.exitCode = Move(*options, context); });
 }
 
 } // namespace tsl

@@ -44,7 +44,9 @@ void PrintPlugin(const RegisteredPlugin& plugin, bool json) {
     }
 }
 
-ExitCode PrintPlugins(const CommandContext& context) {
+} // namespace
+
+ExitCode RunPlugins(const CommandContext& context) {
     const CComInitialization com;
     const std::vector<RegisteredPlugin> plugins = ReadRegisteredPlugins();
     for (const RegisteredPlugin& plugin : plugins) {
@@ -53,15 +55,6 @@ ExitCode PrintPlugins(const CommandContext& context) {
     }
     if (plugins.empty()) PrintError("no database plug-in is registered");
     return plugins.empty() ? ExitCode::NothingFound : ExitCode::Fine;
-}
-
-} // namespace
-
-void AddPluginsCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "plugins", "List the registered database plug-ins in the order of the engine");
-    command->footer("Example: tslhost plugins --json");
-    command->callback([&context] { context.exitCode = PrintPlugins(context); });
 }
 
 } // namespace tsl

@@ -1,6 +1,5 @@
 // tslhost recover
 #include <algorithm>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/Output.h"
@@ -120,39 +119,25 @@ void PrintCounter(const CounterReport& counter, const StorePaths& store, bool dr
               std::to_string(*counter.written));
 }
 
-ExitCode Recover(const std::shared_ptr<RecoverOptions>& options, const CommandContext& context) {
+} // namespace
+
+ExitCode RunRecover(const RecoverOptions& options, const CommandContext& context) {
     const StorePaths store = MachineStore();
     CProgress progress;
-    options->onProgress = [&](const std::string& what) { progress.Show(what); };
+    RecoverOptions shown = options;
+    shown.onProgress = [&](const std::string& what) { progress.Show(what); };
     const CStoreLocks locks;
-    const RecoverReport report = RecoverStore(store, *options);
+    const RecoverReport report = RecoverStore(store, shown);
     progress.Clear();
     if (context.json) {
-        PrintJson(report, options->dryRun);
+        PrintJson(report, options.dryRun);
     } else {
         for (const DatabaseReport& database : report.databases)
-            PrintDatabase(database, options->dryRun);
-        PrintCounter(report.counter, store, options->dryRun);
+            PrintDatabase(database, options.dryRun);
+        PrintCounter(report.counter, store, options.dryRun);
     }
     const bool isPartly = std::ranges::any_of(report.databases, &DatabaseReport::IsPartly);
     return isPartly ? ExitCode::PartlyDone : ExitCode::Fine;
-}
-
-} // namespace
-
-void AddRecoverCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "recover", "Save all rows that can be read of damaged databases into fresh ones");
-    const auto options = std::make_shared<RecoverOptions>();
-    command->add_flag("--force", options->force, "Make databases anew that are whole, too");
-    command->add_flag("--dry-run", options->dryRun, "Only say what would be saved");
-    command->footer(
-        "Example: tslhost recover --dry-run\n"
-        "A database that is whole is left alone. The damaged file is kept beside the new one "
-        "under a dated name. actionLog.txt is mended too, and never lowered. It ends with 0 "
-        "when every row was saved, or nothing was to be done, and with 6 when something could "
-        "not be read; with --dry-run it is the same.");
-    command->callback([&context, options] { context.exitCode = Recover(options, context); });
 }
 
 } // namespace tsl

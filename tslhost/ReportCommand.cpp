@@ -1,5 +1,4 @@
 // tslhost report
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/Output.h"
@@ -11,30 +10,18 @@
 
 namespace tsl {
 
-namespace {
-
-void Report(const std::string& file, bool json) {
+ExitCode RunReport(const std::string& file, const CommandContext& context) {
     const std::wstring path = FullPath(ToUtf16(file));
     const std::string page = ReportPage(ReadStoreFigures(MachineStore()));
     CWholeFile out(ToUtf8(path));
     out.Stream() << page;
     out.Commit();
-    if (json) {
+    if (context.json) {
         PrintLine(nlohmann::ordered_json({{"file", ToUtf8(path)}, {"bytes", page.size()}}).dump());
     } else {
         PrintLine(ToUtf8(path));
     }
-}
-
-} // namespace
-
-void AddReportCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command =
-        app.add_subcommand("report", "Write the figures of the store as one HTML page with charts");
-    const auto file = std::make_shared<std::string>();
-    command->add_option("OUT", *file, "The page; one that is there is replaced")->required();
-    command->footer("Example: tslhost report actions.html");
-    command->callback([&context, file] { Report(*file, context.json); });
+    return ExitCode::Fine;
 }
 
 } // namespace tsl

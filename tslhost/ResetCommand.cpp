@@ -1,9 +1,7 @@
 // tslhost reset
 #include <algorithm>
-#include <memory>
 #include <nlohmann/json.hpp>
 
-#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
@@ -14,13 +12,6 @@ namespace tsl {
 namespace {
 
 constexpr wchar_t kResetAction[] = L"veSettingReset";
-
-struct ResetOptions {
-    UINT32 user = 0;
-    UINT32 kind = 1;
-    INT32 app = 0;
-    bool dryRun = false;
-};
 
 RecordSelection RecordsOf(const ResetOptions& options) {
     RecordSelection selection;
@@ -48,7 +39,9 @@ void PrintReset(size_t count, UINT32 id, bool json) {
     }
 }
 
-ExitCode Reset(const ResetOptions& options, const CommandContext& context) {
+} // namespace
+
+ExitCode RunReset(const ResetOptions& options, const CommandContext& context) {
     if (options.user == 0) throw CFailure(ExitCode::Usage, "user 0 has no records to reset");
     CHostSession session(context.pluginPath);
     const std::vector<UINT32> before = SelectIds(session, RecordsOf(options));
@@ -65,24 +58,6 @@ ExitCode Reset(const ResetOptions& options, const CommandContext& context) {
     if (left == 0) return ExitCode::Fine;
     PrintError(CountOfRecords(static_cast<size_t>(left)) + " could not be removed");
     return ExitCode::PartlyDone;
-}
-
-} // namespace
-
-void AddResetCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "reset", "Report a reset: removes a user's records of a log kind and records that");
-    const auto options = std::make_shared<ResetOptions>();
-    command->add_option("--user", options->user, "User id")->required()->check(ANumber<UINT32>());
-    command->add_option("--kind", options->kind, "Log kind")
-        ->check(ALogKind())
-        ->capture_default_str();
-    command->add_option("--app", options->app, "Application id of the reset")
-        ->check(ANumber<INT32>())
-        ->capture_default_str();
-    command->add_flag("--dry-run", options->dryRun, "Only say how many records would be removed");
-    command->footer("Example: tslhost reset --user 1 --dry-run");
-    command->callback([&context, options] { context.exitCode = Reset(*options, context); });
 }
 
 } // namespace tsl

@@ -1,5 +1,4 @@
 // tslhost restore
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "console/StorePlace.h"
@@ -47,7 +46,9 @@ void PrintText(const std::wstring& folder, const RestoreReport& report) {
     if (report.userIdsOfStore) PrintLine("the user id list stayed as it was: the backup has none");
 }
 
-void Restore(const std::string& folder, const CommandContext& context) {
+} // namespace
+
+ExitCode RunRestore(const std::string& folder, const CommandContext& context) {
     const std::wstring path = FullPath(ToUtf16(folder));
     CProgress progress;
     const RestoreReport report = RestoreStore(path, MachineStore(), ShownOn(progress));
@@ -57,21 +58,7 @@ void Restore(const std::string& folder, const CommandContext& context) {
     } else {
         PrintText(path, report);
     }
-}
-
-} // namespace
-
-void AddRestoreCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "restore", "Put a backup in the place of the store; what was there before is kept");
-    const auto folder = std::make_shared<std::string>();
-    command->add_option("FOLDER", *folder, "Folder that tslhost backup made")->required();
-    command->footer(
-        "Example: tslhost restore D:\\backups\\2026-11-21\n"
-        "It replaces both databases, the user id list, and the counter unless that is higher. "
-        "What was there is kept in a dated folder beside them. It ends with 3, and all stays as "
-        "it was, while a host has a file open.");
-    command->callback([&context, folder] { Restore(*folder, context); });
+    return ExitCode::Fine;
 }
 
 } // namespace tsl

@@ -1,13 +1,11 @@
 // tslhost take
 #include <atomic>
-#include <memory>
 #include <nlohmann/json.hpp>
 
 #include "component/host/CommandCodes.h"
 #include "component/host/ITslContentPropertySink.h"
 #include "component/host/ParamKeys.h"
 #include "console/HostSession.h"
-#include "console/Numbers.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
@@ -80,16 +78,18 @@ Json ToJson(UINT64 recordId, ITslParamContainer& container) {
     return taken;
 }
 
-ExitCode Take(UINT64 recordId, UINT32 kind, const CommandContext& context) {
+} // namespace
+
+ExitCode RunTake(const TakeOptions& options, const CommandContext& context) {
     CHostSession session(context.pluginPath);
     const CHostClassRegistration sinkClass(CLSID_TslContentPropertySink, CreateSink);
-    session.SetLogKind(kind);
+    session.SetLogKind(options.kind);
     const CComPtr<CTslParamContainer> arguments = CTslParamContainer::Create();
-    SetValue(*arguments, kKeyRecordToTake, CVariant::FromUi8(recordId));
+    SetValue(*arguments, kKeyRecordToTake, CVariant::FromUi8(options.id));
     const CHostSession::Answer answer = session.Query(kCommandTakeRecord, *arguments);
     if (answer.empty()) return ExitCode::NothingFound;
     for (const auto& container : answer) {
-        const Json taken = ToJson(recordId, *container);
+        const Json taken = ToJson(options.id, *container);
         if (context.json) {
             PrintLine(taken.dump(-1, ' ', false, Json::error_handler_t::replace));
             continue;
@@ -100,21 +100,6 @@ ExitCode Take(UINT64 recordId, UINT32 kind, const CommandContext& context) {
         }
     }
     return ExitCode::Fine;
-}
-
-} // namespace
-
-void AddTakeCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "take", "Show the kept record of a deleted item and remove it from the store");
-    const auto id = std::make_shared<UINT64>();
-    const auto kind = std::make_shared<UINT32>(1);
-    command->add_option("ID", *id, "Record id")->required()->check(ANumber<UINT64>());
-    command->add_option("--kind", *kind, "Log kind; 2 stands for the user of the system, else 1")
-        ->check(ALogKind())
-        ->capture_default_str();
-    command->footer("Example: tslhost take 17");
-    command->callback([&context, id, kind] { context.exitCode = Take(*id, *kind, context); });
 }
 
 } // namespace tsl

@@ -8,22 +8,18 @@
 
 namespace tsl {
 
-void AddWhoamiCommand(CLI::App& app, CommandContext& context) {
-    CLI::App* const command = app.add_subcommand(
-        "whoami", "Show the current user's SID and user id (a new user is given one)");
-    command->footer("Example: tslhost whoami --json");
-    command->callback([&context] {
-        std::wstring sid;
-        UINT64 id = 0;
-        HRESULT result = CurrentUserSid(sid);
-        if (SUCCEEDED(result)) result = CurrentUserId(id);
-        if (FAILED(result)) throw CFailure("cannot find out", L"the current user", result);
-        if (context.json) {
-            PrintLine(nlohmann::ordered_json({{"sid", ToUtf8(sid)}, {"id", id}}).dump());
-        } else {
-            PrintLine(ToUtf8(sid) + "  " + std::to_string(id));
-        }
-    });
+ExitCode RunWhoami(const CommandContext& context) {
+    std::wstring sid;
+    UINT64 id = 0;
+    HRESULT result = CurrentUserSid(sid);
+    if (SUCCEEDED(result)) result = CurrentUserId(id);
+    if (FAILED(result)) throw CFailure("cannot find out", L"the current user", result);
+    if (context.json) {
+        PrintLine(nlohmann::ordered_json({{"sid", ToUtf8(sid)}, {"id", id}}).dump());
+    } else {
+        PrintLine(ToUtf8(sid) + "  " + std::to_string(id));
+    }
+    return ExitCode::Fine;
 }
 
 } // namespace tsl

@@ -149,7 +149,8 @@ std::vector<Tally> CFetchedRows::CountBy(std::wstring_view column, const std::st
 
 // One pass serves the days and the hours of the week.
 void CFetchedRows::CountByHour(const std::string& rows, StoreFigures& figures) const {
-    CQuery query(*m_connection, std::string("SELECT ") + kHour + ", COUNT(*) FROM " + rows +
+    const std::string hourOfTime = kHour;
+    CQuery query(*m_connection, "SELECT " + hourOfTime + ", COUNT(*) FROM " + rows +
                                     " WHERE PluginLoggedTime IS NOT NULL GROUP BY 1 ORDER BY 1");
     while (query.Step()) {
         const int hour = static_cast<int>(query.Int64(0));

@@ -1,4 +1,4 @@
-#include "tslhost/HelpFormatter.h"
+#include "tslhost/commandline/HelpFormatter.h"
 
 #include <sstream>
 

@@ -1,4 +1,4 @@
-#include "tslhost/Manual.h"
+#include "tslhost/commandline/Manual.h"
 
 #include <sstream>
 
