@@ -18,7 +18,7 @@ namespace tsl {
 
 namespace {
 
-constexpr char kFooter[] =
+constexpr char kExportFooter[] =
     "Example: tslhost export --since 2026-11-01T00:00:00Z --format csv --output november.csv\n"
     "Each record stands on a line, by ascending id: id, time, user, app, kind, name, parameters "
     "(the raw text) and the value lists that are decoded from it: ullValues, usValues, "
@@ -151,7 +151,7 @@ void AddExportCommand(CLI::App& app, CommandContext& context) {
         ->capture_default_str();
     command->add_option("--output", options->file,
                         "File to write, whole or not at all; default: the standard output");
-    command->footer(kFooter);
+    command->footer(kExportFooter);
     command->callback([&context, options] { context.exitCode = Export(*options, context); });
 }
 

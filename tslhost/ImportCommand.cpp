@@ -21,7 +21,7 @@ namespace {
 
 constexpr char kStandardInput[] = "-";
 
-constexpr char kFooter[] =
+constexpr char kImportFooter[] =
     "A line:\n"
     "  {\"name\":\"playItem\",\"app\":3,\"user\":1,"
     "\"time\":\"2026-11-21T08:30:00Z\",\"ullValues\":[4711]}\n"
@@ -103,7 +103,7 @@ KeepIdsCounts ImportLinesWithIds(CActionLines& lines, CHostSession& session) {
     return counts;
 }
 
-struct Count {
+struct ImportCount {
     const char* member;
     const char* words;
     size_t number;
@@ -111,12 +111,12 @@ struct Count {
 };
 
 // How many were recorded stands first, at which rate last.
-void PrintSummary(const std::vector<Count>& counts, double seconds, bool json) {
+void PrintSummary(const std::vector<ImportCount>& counts, double seconds, bool json) {
     const auto recorded = static_cast<double>(counts.front().number);
     const auto rate = static_cast<UINT64>((seconds > 0.0 ? recorded / seconds : 0.0) + 0.5);
     nlohmann::ordered_json members;
     std::string words;
-    for (const Count& count : counts) {
+    for (const ImportCount& count : counts) {
         members[count.member] = count.number;
         words += std::to_string(count.number) + " " + count.words + ", ";
     }
@@ -124,12 +124,12 @@ void PrintSummary(const std::vector<Count>& counts, double seconds, bool json) {
     PrintLine(json ? members.dump() : words + std::to_string(rate) + " actions per second");
 }
 
-std::vector<Count> Import(CActionLines& lines, CHostSession& session) {
+std::vector<ImportCount> Import(CActionLines& lines, CHostSession& session) {
     const ImportCounts counts = ImportLines(lines, session);
     return {{"recorded", "recorded", counts.recorded}, {"bad", "bad", counts.bad, /*isTold=*/true}};
 }
 
-std::vector<Count> ImportWithIds(CActionLines& lines, CHostSession& session) {
+std::vector<ImportCount> ImportWithIds(CActionLines& lines, CHostSession& session) {
     const KeepIdsCounts counts = ImportLinesWithIds(lines, session);
     return {{"recorded", "recorded", counts.recorded},
             {"bad", "bad", counts.bad, /*isTold=*/true},
@@ -152,7 +152,7 @@ ExitCode Import(const ImportOptions& options, const CommandContext& context) {
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     PrintSummary(counts, taken.count(), context.json);
     const bool isPartly = std::ranges::any_of(
-        counts, [](const Count& count) { return count.isTold && count.number > 0; });
+        counts, [](const ImportCount& count) { return count.isTold && count.number > 0; });
     return isPartly ? ExitCode::PartlyDone : ExitCode::Fine;
 }
 
@@ -167,7 +167,7 @@ void AddImportCommand(CLI::App& app, CommandContext& context) {
     command->add_flag("--keep-ids", options->keepIds,
                       "Record each under the id of its line, as export writes it, instead of a new "
                       "one");
-    command->footer(kFooter);
+    command->footer(kImportFooter);
     command->callback([&context, options] { context.exitCode = Import(*options, context); });
 }
 
