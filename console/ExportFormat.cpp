@@ -11,14 +11,14 @@ namespace tsl {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 // In the order of both formats. Files in the field have them: not to be changed.
 constexpr const char* kListNames[] = {"ullValues",  "usValues",     "intValues",
                                       "boolValues", "stringValues", "floatValues"};
 
-std::string ToLine(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+std::string ToLine(const OrderedJson& json) {
+    return json.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
 std::string CsvCell(std::string text) {
@@ -34,14 +34,14 @@ std::string CsvCell(std::string text) {
 
 std::string ExportJson(const ExportedRecord& exported) {
     const StoredRecord& record = exported.record;
-    Json line = {{"id", record.id},
-                 {"time", FormatIsoTime(record.time)},
-                 {"user", record.user},
-                 {"app", record.app},
-                 {"kind", exported.kind},
-                 {"name", ToUtf8(record.name)},
-                 {"parameters", ToUtf8(record.parameters)}};
-    const Json lists = DecodeParameterLists(record.parameters);
+    OrderedJson line = {{"id", record.id},
+                        {"time", FormatIsoTime(record.time)},
+                        {"user", record.user},
+                        {"app", record.app},
+                        {"kind", exported.kind},
+                        {"name", ToUtf8(record.name)},
+                        {"parameters", ToUtf8(record.parameters)}};
+    const OrderedJson lists = DecodeParameterLists(record.parameters);
     for (const char* const name : kListNames) {
         if (lists.contains(name)) line[name] = lists[name];
     }
@@ -61,7 +61,7 @@ std::string ExportCsvLine(const ExportedRecord& exported) {
                        std::to_string(record.user) + ',' + std::to_string(record.app) + ',' +
                        std::to_string(exported.kind) + ',' + CsvCell(ToUtf8(record.name)) + ',' +
                        CsvCell(ToUtf8(record.parameters));
-    const Json lists = DecodeParameterLists(record.parameters);
+    const OrderedJson lists = DecodeParameterLists(record.parameters);
     for (const char* const name : kListNames) {
         line += ',';
         if (lists.contains(name)) line += CsvCell(ToLine(lists[name]));

@@ -13,37 +13,37 @@ namespace tsl {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 // A number of the whole item.
 template <class Number>
-std::optional<Json> ToNumber(const std::string& item) {
+std::optional<OrderedJson> ToNumber(const std::string& item) {
     Number number{};
     const char* const end = item.data() + item.size();
     const auto [stopped, error] = std::from_chars(item.data(), end, number);
     if (error != std::errc() || stopped != end) return std::nullopt;
-    return Json(number);
+    return OrderedJson(number);
 }
 
 // What is no number of JSON's, "inf" or "nan", stays a text.
-std::optional<Json> ToFloat(const std::string& item) {
-    const std::optional<Json> number = ToNumber<double>(item);
+std::optional<OrderedJson> ToFloat(const std::string& item) {
+    const std::optional<OrderedJson> number = ToNumber<double>(item);
     if (!number || std::isfinite(number->get<double>())) return number;
-    return Json(item);
+    return OrderedJson(item);
 }
 
-std::optional<Json> ToBool(const std::string& item) {
+std::optional<OrderedJson> ToBool(const std::string& item) {
     if (item != "0" && item != "1") return std::nullopt;
-    return Json(item == "1");
+    return OrderedJson(item == "1");
 }
 
-std::optional<Json> ToText(const std::string& item) {
-    return Json(ToUtf8(PercentDecode(ToUtf16(item))));
+std::optional<OrderedJson> ToText(const std::string& item) {
+    return OrderedJson(ToUtf8(PercentDecode(ToUtf16(item))));
 }
 
 struct Kind {
     std::string_view name;
-    std::optional<Json> (*convert)(const std::string& item);
+    std::optional<OrderedJson> (*convert)(const std::string& item);
 };
 
 constexpr Kind kKinds[] = {
@@ -56,11 +56,11 @@ constexpr Kind kKinds[] = {
 };
 
 // Nothing when an item is not of the kind.
-std::optional<Json> DecodeItems(std::string_view items, const Kind& kind) {
-    Json values = Json::array();
+std::optional<OrderedJson> DecodeItems(std::string_view items, const Kind& kind) {
+    OrderedJson values = OrderedJson::array();
     for (;;) {
         const size_t comma = items.find(',');
-        const std::optional<Json> value = kind.convert(std::string(items.substr(0, comma)));
+        const std::optional<OrderedJson> value = kind.convert(std::string(items.substr(0, comma)));
         if (!value) return std::nullopt;
         values.push_back(*value);
         if (comma == std::string_view::npos) return values;
@@ -72,7 +72,7 @@ std::optional<Json> DecodeItems(std::string_view items, const Kind& kind) {
 
 nlohmann::ordered_json DecodeParameterLists(const std::wstring& parameters) {
     const std::string text = ToUtf8(parameters);
-    Json lists = Json::object();
+    OrderedJson lists = OrderedJson::object();
     for (const Kind& kind : kKinds) {
         const std::string opening = std::string(kind.name) + "={";
         size_t start = text.find(opening);

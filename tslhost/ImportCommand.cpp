@@ -75,7 +75,7 @@ KeepIdsCounts ImportLinesWithIds(CActionLines& lines, CHostSession& session) {
     return counts;
 }
 
-struct Count {
+struct ImportCount {
     const char* member;
     const char* words;
     size_t number;
@@ -83,12 +83,12 @@ struct Count {
 };
 
 // How many were recorded stands first, at which rate last.
-void PrintSummary(const std::vector<Count>& counts, double seconds, bool json) {
+void PrintSummary(const std::vector<ImportCount>& counts, double seconds, bool json) {
     const auto recorded = static_cast<double>(counts.front().number);
     const auto rate = static_cast<UINT64>((seconds > 0.0 ? recorded / seconds : 0.0) + 0.5);
     nlohmann::ordered_json members;
     std::string words;
-    for (const Count& count : counts) {
+    for (const ImportCount& count : counts) {
         members[count.member] = count.number;
         words += std::to_string(count.number) + " " + count.words + ", ";
     }
@@ -96,12 +96,12 @@ void PrintSummary(const std::vector<Count>& counts, double seconds, bool json) {
     PrintLine(json ? members.dump() : words + std::to_string(rate) + " actions per second");
 }
 
-std::vector<Count> Import(CActionLines& lines, CHostSession& session) {
+std::vector<ImportCount> Import(CActionLines& lines, CHostSession& session) {
     const ImportCounts counts = ImportLines(lines, session);
     return {{"recorded", "recorded", counts.recorded}, {"bad", "bad", counts.bad, /*isTold=*/true}};
 }
 
-std::vector<Count> ImportWithIds(CActionLines& lines, CHostSession& session) {
+std::vector<ImportCount> ImportWithIds(CActionLines& lines, CHostSession& session) {
     const KeepIdsCounts counts = ImportLinesWithIds(lines, session);
     return {{"recorded", "recorded", counts.recorded},
             {"bad", "bad", counts.bad, /*isTold=*/true},
@@ -126,7 +126,7 @@ ExitCode RunImport(const ImportOptions& options, const CommandContext& context) 
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
     PrintSummary(counts, taken.count(), context.json);
     const bool isPartly = std::ranges::any_of(
-        counts, [](const Count& count) { return count.isTold && count.number > 0; });
+        counts, [](const ImportCount& count) { return count.isTold && count.number > 0; });
     return isPartly ? ExitCode::PartlyDone : ExitCode::Fine;
 }
 

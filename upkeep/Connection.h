@@ -71,6 +71,8 @@ public:
     void Reset();
 
     INT64 Int64(int column) const;
+    // As the component reads its unsigned numbers: the lower half of what is stored.
+    UINT32 Uint32(int column) const { return static_cast<UINT32>(Int64(column)); }
     double Double(int column) const;
     // UTF-8; nothing for NULL.
     std::optional<std::string> Text(int column) const;

@@ -11,8 +11,7 @@ TableIds ReadTableIds(const CConnection& connection, const std::string& table) {
     CQuery query(connection, "SELECT COUNT(*), COUNT(" + id + "), COUNT(DISTINCT " + id +
                                  "), MIN(" + id + "), MAX(" + id + ") FROM " + table);
     query.Step();
-    return {query.Int64(0), query.Int64(1), query.Int64(2), static_cast<UINT32>(query.Int64(3)),
-            static_cast<UINT32>(query.Int64(4))};
+    return {query.Int64(0), query.Int64(1), query.Int64(2), query.Uint32(3), query.Uint32(4)};
 }
 
 } // namespace tsl

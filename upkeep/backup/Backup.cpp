@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr char kCannot[] = "cannot back up";
+constexpr char kCannotBackUp[] = "cannot back up";
 
 // The folder of a backup that is being made; goes with what was put into it unless it is kept.
 class CNewBackup {
@@ -72,7 +72,7 @@ public:
         try {
             CopyPages(*copy, progress);
         } catch (const CSqliteError& error) {
-            throw FailureOf(kCannot, m_path, error);
+            throw FailureOf(kCannotBackUp, m_path, error);
         }
     }
 
@@ -84,7 +84,7 @@ private:
             connection->Execute("PRAGMA page_size = 2048; BEGIN; SELECT 1 FROM sqlite_master");
             return connection;
         } catch (const CSqliteError& error) {
-            throw FailureOf(kCannot, path, error);
+            throw FailureOf(kCannotBackUp, path, error);
         }
     }
 
@@ -168,7 +168,7 @@ void CheckCopy(const std::wstring& copy, const std::wstring& path, BackupManifes
         // A copy with a write-ahead log would not be whole by itself.
         connection.Execute("PRAGMA journal_mode = DELETE");
     } catch (const CSqliteError& error) {
-        throw FailureOf(kCannot, path, error);
+        throw FailureOf(kCannotBackUp, path, error);
     }
     Flush(copy);
 }

@@ -13,7 +13,7 @@ namespace tsl {
 
 namespace {
 
-constexpr char kCannot[] = "cannot compact";
+constexpr char kCannotCompact[] = "cannot compact";
 
 // The page size is that of the component, also where a file came to another one.
 constexpr char kCompact[] = "PRAGMA page_size = 2048; VACUUM";
@@ -32,7 +32,7 @@ void Check(const std::wstring& path) {
     try {
         RequireWhole(CConnection(path, Access::ReadWrite), path);
     } catch (const CSqliteError& error) {
-        throw FailureOf(kCannot, path, error);
+        throw FailureOf(kCannotCompact, path, error);
     }
 }
 
@@ -41,7 +41,7 @@ void Compact(CompactedFile& file) {
     try {
         CConnection(file.path, Access::ReadWrite).Execute(kCompact);
     } catch (const CSqliteError& error) {
-        if (error.Result() != SQLITE_FULL) throw FailureOf(kCannot, file.path, error);
+        if (error.Result() != SQLITE_FULL) throw FailureOf(kCannotCompact, file.path, error);
         throw CFailure(ExitCode::Denied, "cannot compact " + ToUtf8(file.path) +
                                              ": the disk is full; free up to " +
                                              std::to_string(file.sizeBefore) +

@@ -14,7 +14,7 @@ namespace tsl {
 
 namespace {
 
-constexpr char kCannot[] = "cannot replace";
+constexpr char kCannotReplace[] = "cannot replace";
 
 bool Move(const std::wstring& from, const std::wstring& to) noexcept {
     constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
@@ -22,7 +22,7 @@ bool Move(const std::wstring& from, const std::wstring& to) noexcept {
 }
 
 void RequireMoved(const std::wstring& from, const std::wstring& to, const std::wstring& path) {
-    if (!Move(from, to)) throw CFailure(kCannot, path, HresultFromLastError());
+    if (!Move(from, to)) throw CFailure(kCannotReplace, path, HresultFromLastError());
 }
 
 // The system says only "denied" when a file that is open is replaced.
@@ -30,7 +30,7 @@ void RequireUnused(const std::wstring& path) {
     const CHandle file(CreateFileW(path.c_str(), GENERIC_READ, /*shareMode=*/0,
                                    /*securityAttributes=*/nullptr, OPEN_EXISTING,
                                    FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
-    if (!file) throw CFailure(kCannot, path, HresultFromLastError());
+    if (!file) throw CFailure(kCannotReplace, path, HresultFromLastError());
 }
 
 // A second name for the file, or where the disk knows none, a copy.

@@ -14,11 +14,11 @@ namespace tsl {
 
 namespace {
 
-constexpr char kSubject[] = "actionLog.txt";
+constexpr char kCounterSubject[] = "actionLog.txt";
 constexpr UINT32 kHighestCounter = 0xFFFFFFFF;
 
 // No file of one line is longer.
-constexpr size_t kMostBytes = 4096;
+constexpr size_t kMostCounterBytes = 4096;
 
 enum class Form {
     Exact,  // as the component writes it
@@ -44,21 +44,23 @@ Form FormOf(const FileLook& file, UINT32 counter) {
 
 Finding TellMissing(const KnownIds& ids) {
     if (ids.ofOlderForm) {
-        return Odd(kSubject, "not there: the store is of the older form; the first host makes it");
+        return Odd(kCounterSubject,
+                   "not there: the store is of the older form; the first host makes it");
     }
     if (ids.complete && ids.highestInUse == 0) {
-        return Odd(kSubject, "not there: no host has asked for a record id yet");
+        return Odd(kCounterSubject, "not there: no host has asked for a record id yet");
     }
-    return Damaged(kSubject, "not there: ids begin at 1 again, and new records replace old ones",
-                   kRecover);
+    return Damaged(kCounterSubject,
+                   "not there: ids begin at 1 again, and new records replace old ones", kRecover);
 }
 
 Finding TellBehind(UINT32 counter, UINT32 highest) {
     const std::string next = "next id is " + std::to_string(counter + 1U) + ", but ids up to " +
                              std::to_string(highest) + " are in use";
     // Whoever comes after the highest number begins anew.
-    if (highest == kHighestCounter) return Odd(kSubject, next + ": the numbers have begun again");
-    return Damaged(kSubject, next + ": new records replace old ones", kRecover);
+    if (highest == kHighestCounter)
+        return Odd(kCounterSubject, next + ": the numbers have begun again");
+    return Damaged(kCounterSubject, next + ": new records replace old ones", kRecover);
 }
 
 Finding TellNumber(const FileLook& file, UINT32 counter, const KnownIds& ids) {
@@ -67,37 +69,40 @@ Finding TellNumber(const FileLook& file, UINT32 counter, const KnownIds& ids) {
     const std::string next = "next id is " + std::to_string(counter + 1U);
     const Form form = FormOf(file, counter);
     if (form == Form::Spoiled && (!ids.complete || counter != ids.highestInUse || counter == 0)) {
-        return Damaged(kSubject, "spoiled, and read as " + std::to_string(counter), kRecover);
+        return Damaged(kCounterSubject, "spoiled, and read as " + std::to_string(counter),
+                       kRecover);
     }
     if (counter < ids.highestInUse) return TellBehind(counter, ids.highestInUse);
     if (ids.complete && counter < ids.highestEver && ids.highestEver != kHighestCounter) {
-        return Odd(kSubject, next + ", but ids up to " + std::to_string(ids.highestEver) +
-                                 " were in use already, says a header: they come again");
+        return Odd(kCounterSubject, next + ", but ids up to " + std::to_string(ids.highestEver) +
+                                        " were in use already, says a header: they come again");
     }
     if (form != Form::Exact) {
-        return Odd(kSubject, next + "; not as the component writes it, which it does next time");
+        return Odd(kCounterSubject,
+                   next + "; not as the component writes it, which it does next time");
     }
     if (counter == kHighestCounter) {
-        return Odd(kSubject, "at its end: the next id is 0, and then the numbers begin again");
+        return Odd(kCounterSubject,
+                   "at its end: the next id is 0, and then the numbers begin again");
     }
     const UINT32 known = std::max(ids.highestInUse, ids.highestEver);
     if (ids.complete && ids.headersTell && counter > known && counter - known > kOddLeap) {
-        return Odd(kSubject,
+        return Odd(kCounterSubject,
                    next + ", far from the highest one ever recorded, " + std::to_string(known));
     }
-    return Fine(kSubject, next + (ids.complete ? "" : "; which are in use is not known"));
+    return Fine(kCounterSubject, next + (ids.complete ? "" : "; which are in use is not known"));
 }
 
 } // namespace
 
 bool IsSpoiledCounter(const std::wstring& path, UINT32 counter) {
-    const FileLook file = LookAtFile(path, kMostBytes);
+    const FileLook file = LookAtFile(path, kMostCounterBytes);
     return file.presence == Presence::There && FormOf(file, counter) == Form::Spoiled;
 }
 
 void CheckCounter(const std::wstring& path, const KnownIds& ids, Findings& findings) {
-    const FileLook file = LookAtFile(path, kMostBytes);
-    const auto barred = WhatBars(file, kSubject, path);
+    const FileLook file = LookAtFile(path, kMostCounterBytes);
+    const auto barred = WhatBars(file, kCounterSubject, path);
     if (barred) findings.push_back(*barred);
     if (file.presence == Presence::Missing) findings.push_back(TellMissing(ids));
     if (file.presence != Presence::There) return;
@@ -105,10 +110,11 @@ void CheckCounter(const std::wstring& path, const KnownIds& ids, Findings& findi
     UINT32 counter = 1;
     const HRESULT read = ReadCounter(path, counter);
     if (FAILED(read)) {
-        findings.push_back(Barred(kSubject, "cannot be read: " + DescribeResult(read)));
+        findings.push_back(Barred(kCounterSubject, "cannot be read: " + DescribeResult(read)));
     } else if (file.size < 2 * sizeof(wchar_t)) {
-        findings.push_back(Damaged(
-            kSubject, "empty: the next id is 2, and new records replace old ones", kRecover));
+        findings.push_back(Damaged(kCounterSubject,
+                                   "empty: the next id is 2, and new records replace old ones",
+                                   kRecover));
     } else {
         findings.push_back(TellNumber(file, counter, ids));
     }

@@ -22,10 +22,10 @@ namespace tsl {
 
 namespace {
 
-constexpr char kSubject[] = "UserIdList.dat";
+constexpr char kUserListSubject[] = "UserIdList.dat";
 
 // Some hundred thousand users.
-constexpr size_t kMostBytes = size_t{32} << 20;
+constexpr size_t kMostListBytes = size_t{32} << 20;
 
 // A security identifier as the system writes it: it comes out of the system as it went in.
 bool IsSid(const std::wstring& text) {
@@ -70,8 +70,9 @@ public:
         for (const std::wstring& line : SplitLines(text))
             TellLine(line);
         if (m_lines == 0) {
-            m_findings.push_back(Damaged(
-                kSubject, "no user in it: users get the ids of others from now on", kRestore));
+            m_findings.push_back(Damaged(kUserListSubject,
+                                         "no user in it: users get the ids of others from now on",
+                                         kRestore));
         }
         TellUnreadable(marked);
         const bool exact = marked && bytes.size() % sizeof(wchar_t) == 0 && text == m_exactText;
@@ -89,17 +90,17 @@ private:
         const std::string sid = ToUtf8(entry->sid);
         const auto [owner, isNewId] = m_owners.emplace(entry->id, sid);
         if (!isNewId && owner->second == sid) {
-            m_findings.push_back(
-                Odd(kSubject, sid + " is there twice with the id " + std::to_string(entry->id)));
+            m_findings.push_back(Odd(kUserListSubject, sid + " is there twice with the id " +
+                                                           std::to_string(entry->id)));
         } else if (!isNewId) {
-            m_findings.push_back(Damaged(kSubject,
+            m_findings.push_back(Damaged(kUserListSubject,
                                          "id " + std::to_string(entry->id) + " stands for " +
                                              owner->second + " and for " + sid,
                                          kRestore));
         }
         if (const auto [known, isNewSid] = m_ids.emplace(sid, entry->id);
             !isNewSid && known->second != entry->id) {
-            m_findings.push_back(Damaged(kSubject,
+            m_findings.push_back(Damaged(kUserListSubject,
                                          sid + " has the ids " + std::to_string(known->second) +
                                              " and " + std::to_string(entry->id) +
                                              "; the last one counts",
@@ -114,7 +115,7 @@ private:
     void TellUnreadable(bool marked) {
         if (m_unreadable == 0) return;
         m_findings.push_back(Damaged(
-            kSubject,
+            kUserListSubject,
             std::to_string(m_unreadable) + " of " + std::to_string(m_lines) +
                 " lines cannot be read, the first is line " + std::to_string(m_firstUnreadable) +
                 (marked ? "" : "; no UTF-16 text") + ": these users get new ids",
@@ -126,8 +127,8 @@ private:
                                  (m_ids.size() == 1 ? " user" : " users") + ", highest id " +
                                  std::to_string(m_highest);
         m_findings.push_back(
-            exact ? Fine(kSubject, text)
-                  : Odd(kSubject,
+            exact ? Fine(kUserListSubject, text)
+                  : Odd(kUserListSubject,
                         text + "; not as the component writes it, which it does for a new user"));
     }
 
@@ -144,14 +145,16 @@ private:
 } // namespace
 
 void CheckUserList(const std::wstring& path, Findings& findings) {
-    const FileLook file = LookAtFile(path, kMostBytes);
-    if (auto barred = WhatBars(file, kSubject, path)) findings.push_back(std::move(*barred));
+    const FileLook file = LookAtFile(path, kMostListBytes);
+    if (auto barred = WhatBars(file, kUserListSubject, path))
+        findings.push_back(std::move(*barred));
     if (file.presence == Presence::Missing) {
-        findings.push_back(Odd(kSubject, "not there: no host has asked for a user's id yet"));
+        findings.push_back(
+            Odd(kUserListSubject, "not there: no host has asked for a user's id yet"));
     }
     if (file.presence != Presence::There) return;
     if (file.size > file.bytes.size()) {
-        findings.push_back(Damaged(kSubject, "far too long", kRestore));
+        findings.push_back(Damaged(kUserListSubject, "far too long", kRestore));
         return;
     }
     CUserListTeller(findings).Tell(file.bytes);

@@ -13,19 +13,19 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr char kNone[] = "-";
+constexpr char kNothing[] = "-";
 
 std::string NumberOrNone(const std::optional<std::int64_t>& number) {
-    return number ? Grouped(*number) : kNone;
+    return number ? Grouped(*number) : kNothing;
 }
 
 // Ids are names rather than amounts.
 std::string IdOrNone(const std::optional<std::int64_t>& id) {
-    return id ? std::to_string(*id) : kNone;
+    return id ? std::to_string(*id) : kNothing;
 }
 
 std::string TimeOrNone(const std::optional<double>& time) {
-    return time ? DayAndTime(*time) : kNone;
+    return time ? DayAndTime(*time) : kNothing;
 }
 
 void AddSection(Lines& lines, const std::string& title, const CTable& table, size_t width) {
@@ -34,18 +34,18 @@ void AddSection(Lines& lines, const std::string& title, const CTable& table, siz
     std::ranges::move(table.Lines(width), std::back_inserter(lines));
 }
 
-CTable FilesTable(const StoreFigures& figures) {
+CTable FilesText(const StoreFigures& figures) {
     CTable table({{"file"}, {"size", true}, {"bytes", true}, {"pages", true}, {"free", true}});
     for (const FileFigures& file : figures.files) {
         table.Add({ToUtf8(std::filesystem::path(file.path).filename().wstring()),
                    file.bytes ? FileSize(*file.bytes) : "missing",
-                   file.bytes ? Grouped(static_cast<std::int64_t>(*file.bytes)) : kNone,
+                   file.bytes ? Grouped(static_cast<std::int64_t>(*file.bytes)) : kNothing,
                    NumberOrNone(file.pages), NumberOrNone(file.freePages)});
     }
     return table;
 }
 
-CTable RecordsTable(const StoreFigures& figures) {
+CTable RecordsText(const StoreFigures& figures) {
     CTable table({{"table"}, {"records", true}, {"first id", true}, {"last id", true}});
     for (const TableFigures& each : figures.tables) {
         table.Add(
@@ -54,7 +54,7 @@ CTable RecordsTable(const StoreFigures& figures) {
     return table;
 }
 
-CTable TimesTable(const StoreFigures& figures) {
+CTable TimesText(const StoreFigures& figures) {
     CTable table({{"table"}, {"first"}, {"last"}, {"no date", true}});
     for (const TableFigures& each : figures.tables) {
         table.Add({each.name, TimeOrNone(each.firstTime), TimeOrNone(each.lastTime),
@@ -123,9 +123,9 @@ Lines StatisticsLines(const StoreFigures& figures, size_t top, size_t width) {
     const std::filesystem::path folder = std::filesystem::path(figures.files[0].path).parent_path();
     lines.push_back("Action log in " + ToUtf8(folder.wstring()));
     lines.push_back("Next record id " + std::to_string(figures.nextId));
-    AddSection(lines, "Files", FilesTable(figures), width);
-    AddSection(lines, "Tables", RecordsTable(figures), width);
-    AddSection(lines, "Times (UTC)", TimesTable(figures), width);
+    AddSection(lines, "Files", FilesText(figures), width);
+    AddSection(lines, "Tables", RecordsText(figures), width);
+    AddSection(lines, "Times (UTC)", TimesText(figures), width);
     if (figures.ActionLog().records == 0) return lines;
     AddSection(lines, WithCount("Users", figures.users.size()),
                TopTable("user", figures.users, top), width);

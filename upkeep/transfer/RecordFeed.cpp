@@ -32,10 +32,6 @@ bool IsPassing(DWORD error) noexcept {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
 }
 
-UINT32 Number(const CQuery& query, int column) {
-    return static_cast<UINT32>(query.Int64(column));
-}
-
 std::string TableOfRecords() {
     return ToUtf8(TableName(kTablePrefix, kActionLogTable));
 }
@@ -51,11 +47,11 @@ std::string SelectRecords() {
 
 ExportedRecord ReadRecord(const CQuery& row) {
     ExportedRecord read;
-    read.record.id = Number(row, kIdColumn);
+    read.record.id = row.Uint32(kIdColumn);
     read.record.time = row.Double(2);
-    read.record.user = Number(row, 3);
+    read.record.user = row.Uint32(3);
     read.record.app = static_cast<INT32>(row.Int64(4));
-    read.kind = Number(row, 5);
+    read.kind = row.Uint32(5);
     read.record.name = row.WideText(6);
     read.record.parameters = row.WideText(7);
     return read;
@@ -66,7 +62,7 @@ std::map<INT64, UINT32> ReadLatest(const CConnection& connection) {
                                 " ORDER BY rowid DESC LIMIT " + std::to_string(kLatest));
     std::map<INT64, UINT32> latest;
     while (rows.Step())
-        latest[rows.Int64(0)] = Number(rows, 1);
+        latest[rows.Int64(0)] = rows.Uint32(1);
     return latest;
 }
 
@@ -173,7 +169,7 @@ std::vector<ExportedRecord> CRecordFeed::ReadNew(const CConnection& connection) 
     }
     std::vector<ExportedRecord> records;
     while (rows.Step()) {
-        if (known.insert(Number(rows, kIdColumn)).second) records.push_back(ReadRecord(rows));
+        if (known.insert(rows.Uint32(kIdColumn)).second) records.push_back(ReadRecord(rows));
     }
     return records;
 }
@@ -182,7 +178,7 @@ bool CRecordFeed::IsAnchorInPlace(const CConnection& connection) const {
     if (!HasAnchor(*m_latest)) return true;
     const auto& [row, id] = *m_latest->begin();
     CQuery query(connection, "SELECT ActionLogId FROM " + TableOfRecords() + " WHERE rowid = ?");
-    return query.Bind(row).Step() && Number(query, 0) == id;
+    return query.Bind(row).Step() && query.Uint32(0) == id;
 }
 
 } // namespace tsl

@@ -9,10 +9,6 @@ namespace {
 constexpr char kIsReachable[] = "(ActionLogId BETWEEN 1 AND 4294967295 AND UserId BETWEEN 0 AND "
                                 "4294967295 AND LogKind BETWEEN 0 AND 4294967295)";
 
-UINT32 Number(const CQuery& query, int column) {
-    return static_cast<UINT32>(query.Int64(column));
-}
-
 } // namespace
 
 RecordOwners ReadRecordOwners(const std::wstring& actionLog) {
@@ -22,12 +18,12 @@ RecordOwners ReadRecordOwners(const std::wstring& actionLog) {
             CQuery owners(connection, "SELECT DISTINCT UserId, LogKind FROM " + table + " WHERE " +
                                           kIsReachable + " ORDER BY UserId, LogKind");
             while (owners.Step())
-                found.owners.push_back({Number(owners, 0), Number(owners, 1)});
+                found.owners.push_back({owners.Uint32(0), owners.Uint32(1)});
             // The row that the other column comes from is the one of the maximum.
             CQuery repeated(connection, "SELECT ActionLogId, LogKind, MAX(rowid) FROM " + table +
                                             " GROUP BY ActionLogId HAVING COUNT(*) > 1");
             while (repeated.Step())
-                found.kindsOfRepeatedIds[Number(repeated, 0)] = Number(repeated, 1);
+                found.kindsOfRepeatedIds[repeated.Uint32(0)] = repeated.Uint32(1);
             found.unreachable = static_cast<size_t>(connection.Number(
                 "SELECT COUNT(*) FROM " + table + " WHERE " + kIsReachable + " IS NOT TRUE"));
         });
