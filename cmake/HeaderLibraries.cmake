@@ -1,13 +1,17 @@
 # Header-only libraries of the build machine. Its include folder as a whole would break the
-# cross-build, so the wanted folders are linked into one of the build's own.
-set(header_folder "${CMAKE_BINARY_DIR}/header-libraries")
-file(MAKE_DIRECTORY "${header_folder}")
-foreach(library IN ITEMS CLI nlohmann date)
-  if(NOT EXISTS "/usr/include/${library}")
-    message(FATAL_ERROR "${library} headers are missing: run scripts/setup")
+# cross-build, so each wanted folder is linked into one of the build's own, and known to those alone
+# who link the target.
+function(tsl_add_header_library target folder)
+  if(NOT EXISTS "/usr/include/${folder}")
+    message(FATAL_ERROR "${folder} headers are missing: run scripts/setup")
   endif()
-  file(CREATE_LINK "/usr/include/${library}" "${header_folder}/${library}" SYMBOLIC)
-endforeach()
+  set(include "${CMAKE_BINARY_DIR}/headers/${target}")
+  file(MAKE_DIRECTORY "${include}")
+  file(CREATE_LINK "/usr/include/${folder}" "${include}/${folder}" SYMBOLIC)
+  add_library(${target} INTERFACE)
+  target_include_directories(${target} SYSTEM INTERFACE "${include}")
+endfunction()
 
-add_library(tsl_header_libraries INTERFACE)
-target_include_directories(tsl_header_libraries SYSTEM INTERFACE "${header_folder}")
+tsl_add_header_library(cli11 CLI)
+tsl_add_header_library(json nlohmann)
+tsl_add_header_library(date date)
