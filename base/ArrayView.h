@@ -101,7 +101,9 @@ HRESULT OpenArray(SAFEARRAY* array, VARTYPE type, CArrayAccess& access,
                   std::span<const T>& values) noexcept {
     values = {};
     if (!array) return S_OK;
-    if (!ArrayHolds(array, type, sizeof(T))) return E_INVALIDARG;
+    // An array of pointers holds pointers.
+    const size_t elementSize = sizeof(T); // NOLINT(bugprone-sizeof-expression)
+    if (!ArrayHolds(array, type, elementSize)) return E_INVALIDARG;
     const HRESULT opened = access.Open(array);
     if (FAILED(opened)) return opened;
     const ULONG count = array->rgsabound[0].cElements;

@@ -32,6 +32,8 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, void* reserved) {
     case DLL_PROCESS_DETACH:
         if (!reserved) tsl::EndExceptionStates(); // else the process ends, and all of it
         break;
+    default:
+        break;
     }
     return TRUE;
 }

@@ -75,6 +75,7 @@ HRESULT CTslParamContainer::GetKeys(VARIANT* keys) {
     return AtBoundary([&] {
         if (!keys) return E_POINTER;
         std::vector<ULONGLONG> present;
+        present.reserve(m_values.size());
         for (const auto& [key, value] : m_values)
             present.push_back(key);
         CVariant made = MakeArray<ULONGLONG>(present);

@@ -27,7 +27,7 @@ std::optional<OrderedJson> ToNumber(const std::string& item) {
 
 // What is no number of JSON's, "inf" or "nan", stays a text.
 std::optional<OrderedJson> ToFloat(const std::string& item) {
-    const std::optional<OrderedJson> number = ToNumber<double>(item);
+    std::optional<OrderedJson> number = ToNumber<double>(item);
     if (!number || std::isfinite(number->get<double>())) return number;
     return OrderedJson(item);
 }

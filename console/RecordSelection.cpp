@@ -48,7 +48,7 @@ std::vector<UINT32> IdsOfUser(CHostSession& session, const RecordSelection& sele
                               UINT32 user) {
     const bool byKind = selection.HasIds() || selection.kind;
     if (!byKind) return IdsOfTimes(session, selection, user);
-    const std::vector<UINT32> ofKind = IdsOfKind(session, selection, user);
+    std::vector<UINT32> ofKind = IdsOfKind(session, selection, user);
     if (!selection.HasTimes()) return ofKind;
     // The component filters by times or by ids and kind, not by both.
     const std::vector<UINT32> ofTimes = IdsOfTimes(session, selection, user);

@@ -84,14 +84,14 @@ int BindRow(CStatement& statement, const ActionRecord& record) {
         .Integer(record.recordId)
         .Integer(kUsedLog)
         .Integer(record.appId)
-        .Text(/*appName=*/kNull)
+        .Text(kNull) // name of the application
         .Integer(record.userId)
         .Text(record.name.Get().bstrVal) // a null name stays NULL
         .Text(record.parameters.c_str())
         .Real(record.appLoggedTime)
         .Real(record.pluginLoggedTime)
-        .Text(/*preActionName=*/kNull)
-        .Text(/*preActionParameters=*/kNull)
+        .Text(kNull) // name of the action before
+        .Text(kNull) // its parameters
         .Real(kPreLoggedTime)
         .Integer(record.logKind)
         .Result();

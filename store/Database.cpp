@@ -92,7 +92,7 @@ CTransaction::~CTransaction() {
     if (!m_open) return;
     try {
         ExecuteStatement(m_database, L"ROLLBACK");
-    } catch (...) {
+    } catch (...) { // NOLINT(bugprone-empty-catch): a destructor
         // Closing the connection, which follows, rolls back as well.
     }
 }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr UINT32 kKindOfSystemUsers = 2;
 constexpr UINT32 kOtherwiseUser = 1;
+constexpr UINT32 kDefaultKind = 1;
 
 // A record is deleted by its id for one user only, whom the log kind determines.
 UINT32 UserOfSingleDeletion(UINT32 kind) {
@@ -23,20 +24,20 @@ UINT32 UserOfSingleDeletion(UINT32 kind) {
     return static_cast<UINT32>(current);
 }
 
-size_t CountSingle(CHostSession& session, const DeleteOptions& options) {
-    const UINT32 user = UserOfSingleDeletion(*options.selection.kind);
+size_t CountSingle(CHostSession& session, UINT32 id, const DeleteOptions& options) {
+    const UINT32 kind = options.selection.kind.value_or(kDefaultKind);
+    const UINT32 user = UserOfSingleDeletion(kind);
     if (options.selection.users[0] != user) {
         throw CFailure(ExitCode::Usage, "--id deletes records of user " + std::to_string(user) +
-                                            " only under log kind " +
-                                            std::to_string(*options.selection.kind));
+                                            " only under log kind " + std::to_string(kind));
     }
-    const UINT32 ids[] = {*options.id};
+    const UINT32 ids[] = {id};
     const std::vector<StoredRecord> records = FetchRecords(session, ids);
     return !records.empty() && records[0].user == user ? 1 : 0;
 }
 
 size_t Count(CHostSession& session, const DeleteOptions& options) {
-    return options.id ? CountSingle(session, options)
+    return options.id ? CountSingle(session, *options.id, options)
                       : SelectIds(session, options.selection).size();
 }
 
@@ -64,7 +65,7 @@ void CheckForm(const DeleteOptions& options) {
 
 ExitCode RunDelete(DeleteOptions options, const CommandContext& context) {
     CheckForm(options);
-    if (!options.selection.kind) options.selection.kind = 1;
+    if (!options.selection.kind) options.selection.kind = kDefaultKind;
     CHostSession session(context.pluginPath);
     const size_t count = Count(session, options);
     if (options.dryRun || count == 0 || !options.yes) {

@@ -60,6 +60,7 @@ size_t ForEachRecord(CHostSession& session, const std::map<UINT32, UINT32>& kind
     constexpr size_t kPortion = 500;
     size_t count = 0;
     std::vector<UINT32> ids;
+    ids.reserve(kinds.size());
     for (const auto& [id, kind] : kinds)
         ids.push_back(id);
     for (std::span<const UINT32> rest(ids); !rest.empty();) {

@@ -1,6 +1,7 @@
 // tslhost import
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -85,7 +86,7 @@ struct ImportCount {
 // How many were recorded stands first, at which rate last.
 void PrintSummary(const std::vector<ImportCount>& counts, double seconds, bool json) {
     const auto recorded = static_cast<double>(counts.front().number);
-    const auto rate = static_cast<UINT64>((seconds > 0.0 ? recorded / seconds : 0.0) + 0.5);
+    const auto rate = std::llround(seconds > 0.0 ? recorded / seconds : 0.0);
     nlohmann::ordered_json members;
     std::string words;
     for (const ImportCount& count : counts) {

@@ -28,10 +28,12 @@ HostAction ToAction(const RecordOptions& options) {
     action.values.usValues = ListOf(options.shorts);
     action.values.floatValues = ListOf(options.floats);
     std::vector<VARIANT_BOOL> bools;
+    bools.reserve(options.bools.size());
     for (const bool value : options.bools)
         bools.push_back(value ? VARIANT_TRUE : VARIANT_FALSE);
     action.values.boolValues = ListOf(bools);
     std::vector<std::wstring> strings;
+    strings.reserve(options.strings.size());
     for (const std::string& text : options.strings)
         strings.push_back(ToUtf16(text));
     action.values.stringValues = ListOf(strings);

@@ -37,11 +37,11 @@ void PrintText(const std::wstring& folder, const RestoreReport& report) {
               report.manifest.time);
     if (!report.keptFolder.empty())
         PrintLine("what was there before lies in " + ToUtf8(report.keptFolder));
-    if (report.counterOfStore) {
-        PrintLine("the counter stayed at " + std::to_string(*report.counter) +
-                  ", so that no record id is handed out twice");
-    } else if (report.counter) {
-        PrintLine("last record id: " + std::to_string(*report.counter));
+    if (report.counter) {
+        const std::string counter = std::to_string(*report.counter);
+        PrintLine(report.counterOfStore ? "the counter stayed at " + counter +
+                                              ", so that no record id is handed out twice"
+                                        : "last record id: " + counter);
     }
     if (report.userIdsOfStore) PrintLine("the user id list stayed as it was: the backup has none");
 }

@@ -74,7 +74,7 @@ Json ToJson(UINT64 recordId, ITslParamContainer& container) {
     AddValue(container, kKeySecondNumber, "secondInt", taken);
     AddValue(container, kKeyThirdNumber, "thirdInt", taken);
     AddValue(container, kKeyFirstText, "firstText", taken);
-    if (Sink().received) taken["textHandedOn"] = ToUtf8(*Sink().received);
+    if (const auto& received = Sink().received) taken["textHandedOn"] = ToUtf8(*received);
     return taken;
 }
 

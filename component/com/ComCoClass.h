@@ -17,6 +17,11 @@ public:
         return outer ? CreateObject<CComAggObject<T>>(outer, iid, result)
                      : CreateObject<CComObject<T>>(outer, iid, result);
     }
+
+private:
+    // Of nothing but the class that it is made for.
+    CComCoClass() = default;
+    friend T;
 };
 
 } // namespace tsl

@@ -1,5 +1,6 @@
 # Sourced by what runs the benchmarks. Needs common.sh, and for its functions a Wine prefix that is set
 # and warm. Each program leaves one file of figures in the folder.
+# shellcheck shell=bash disable=SC2154,SC2034  # root and build are set in common.sh; others use the lists
 
 bench_programs=(operations_bench text_bench call_counts hosts_bench memory_bench)
 bench_bin=$build/release/bin
@@ -15,7 +16,7 @@ pin_to_one_core() {
 
 # time_operations FOLDER PATTERN REPETITIONS: those whose names match, each so often, in random order.
 time_operations() {
-  local folder=$1 windows=Z:${1//\//\\} program
+  local windows=Z:${1//\//\\} program
   for program in operations text; do
     "$root/scripts/wine" "$bench_bin/${program}_bench.exe" --benchmark_filter="$2" \
       --benchmark_repetitions="$3" --benchmark_enable_random_interleaving=true \

@@ -1,4 +1,5 @@
 # Sourced by every script: where things are, and how a script ends with one clear line.
+# shellcheck shell=bash disable=SC2034  # what stands here is used by the others
 
 set -euo pipefail
 

@@ -1,5 +1,6 @@
 # Sourced by scripts that need the sqlite3 shell with its .recover, which Debian's own build leaves
 # out. Needs common.sh.
+# shellcheck shell=bash disable=SC2154  # build is set in common.sh
 
 recover_shell=$build/recover-shell/sqlite3
 
@@ -7,14 +8,19 @@ recover_shell=$build/recover-shell/sqlite3
 # source packages are kept apart, so that the machine's own settings stay as they are.
 make_recover_shell() {
   local target=$build/recover-shell
+  local needed="building the sqlite3 shell needs the packages gcc make tcl zlib1g-dev"
   [ ! -x "$recover_shell" ] || return 0
-  [ -e /usr/include/zlib.h ] && command -v gcc make tclsh >/dev/null ||
-    die "building the sqlite3 shell needs the packages gcc make tcl zlib1g-dev"
+  local tool
+  for tool in gcc make tclsh; do
+    command -v "$tool" >/dev/null || die "$needed"
+  done
+  [ -e /usr/include/zlib.h ] || die "$needed"
   echo "Building the sqlite3 shell with .recover"
   rm -rf "$target"
   mkdir -p "$target/download/lists/partial" "$target/download/cache/archives/partial" "$target/source"
   (
     cd "$target/download"
+    # shellcheck disable=SC2016  # apt-get replaces them
     apt-get indextargets --format 'deb-src $(SITE) $(RELEASE) $(COMPONENT)' \
       'Created-By: Packages' 'Origin: Debian' 'Component: main' | sort -u >sources.list
     options=(-o "Dir::Etc::SourceList=$PWD/sources.list" -o Dir::Etc::SourceParts=/dev/null

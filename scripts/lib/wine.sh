@@ -2,6 +2,7 @@
 #
 # Every run has a Wine prefix of its own below build/wine, cloned from one base prefix that
 # scripts/setup makes. The user's own prefix is never touched.
+# shellcheck shell=bash disable=SC2154  # root and build are set in common.sh
 
 wine_base=$build/wine/base
 

@@ -64,12 +64,12 @@ private:
     std::vector<const CLI::App*> Commands() const { return m_app.get_subcommands({}); }
 
     static std::string Link(const CLI::App& command) {
-        const std::string name = command.get_name();
+        const std::string& name = command.get_name();
         return "- [" + name + "](#" + name + "): " + command.get_description() + "\n";
     }
 
     std::string Section(const CLI::App& command) const {
-        const std::string name = command.get_name();
+        const std::string& name = command.get_name();
         std::string usage = m_formatter.make_usage(&command, "tslhost " + name);
         usage = usage.substr(usage.find("tslhost"));
         usage.erase(usage.find_last_not_of('\n') + 1);

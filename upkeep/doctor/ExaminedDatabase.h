@@ -33,7 +33,10 @@ public:
     // for long. Throws CSqliteError for what the engine refuses, and CHresultError.
     CExaminedDatabase(const std::wstring& path, bool alwaysCopy);
 
-    const CConnection& Connection() const { return *m_connection; }
+    const CConnection& Connection() const {
+        return *m_connection; // NOLINT(bugprone-unchecked-optional-access): the constructor opens
+                              // it
+    }
     bool IsCopy() const { return m_copy.has_value(); }
     // Whether a change had to be rolled back, which was done in the copy.
     bool WasInterrupted() const { return m_interrupted; }

@@ -73,7 +73,7 @@ Finding TellFile(const std::string& subject, const std::wstring& path) {
 }
 
 Finding TellComponent(const std::wstring& path, const std::optional<RegisteredPlugin>& plugin) {
-    const Finding found = TellFile("component", path);
+    Finding found = TellFile("component", path);
     std::error_code error;
     const bool another = plugin && FileExists(plugin->path) && found.level == Level::Ok &&
                          !std::filesystem::equivalent(plugin->path, path, error) && !error;

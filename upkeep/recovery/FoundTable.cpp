@@ -18,6 +18,17 @@ std::string Values() {
     return text;
 }
 
+// The name of the temporary table.
+std::string CreateFound(const CConnection& fresh, const std::string& table) {
+    const std::string found = "temp.found_" + table;
+    const std::string index = "CREATE INDEX " + found;
+    const std::string on = " ON found_" + table;
+    fresh.Execute("CREATE TABLE " + found + " (place INTEGER PRIMARY KEY, row, source, whole, " +
+                  Values() + ");" + index + "_rows" + on + " (row);" + index + "_ids" + on +
+                  " (v0)");
+    return found;
+}
+
 std::string InsertText(const std::string& found) {
     std::string text =
         "INSERT INTO " + found + " (row, source, whole, " + Values() + ") VALUES (?,?,?";
@@ -35,33 +46,27 @@ bool IsFound(CQuery& query) {
 } // namespace
 
 CFoundTable::CFoundTable(const CConnection& fresh, std::string table)
-    : m_fresh(fresh), m_table(std::move(table)), m_found("temp.found_" + m_table) {
-    const std::string index = "CREATE INDEX " + m_found;
-    const std::string on = " ON found_" + m_table;
-    m_fresh.Execute("CREATE TABLE " + m_found +
-                    " (place INTEGER PRIMARY KEY, row, source, whole, " + Values() + ");" + index +
-                    "_rows" + on + " (row);" + index + "_ids" + on + " (v0)");
-    m_insert.emplace(m_fresh, InsertText(m_found));
-    m_sameRow.emplace(m_fresh, "SELECT 1 FROM " + m_found + " WHERE row = ? AND +v0 IS ?");
-    m_sameRecord.emplace(m_fresh, "SELECT 1 FROM " + m_found + " WHERE v0 IS ?");
-}
+    : m_fresh(fresh), m_table(std::move(table)), m_found(CreateFound(m_fresh, m_table)),
+      m_insert(m_fresh, InsertText(m_found)),
+      m_sameRow(m_fresh, "SELECT 1 FROM " + m_found + " WHERE row = ? AND +v0 IS ?"),
+      m_sameRecord(m_fresh, "SELECT 1 FROM " + m_found + " WHERE v0 IS ?") {}
 
 bool CFoundTable::Add(const StoredRow& row, RowSource source) {
     if (HasRow(row)) return false;
-    m_insert->Bind(row.rowId).Bind(static_cast<INT64>(source)).Bind(INT64{row.whole});
+    m_insert.Bind(row.rowId).Bind(static_cast<INT64>(source)).Bind(INT64{row.whole});
     for (const StoredValue& value : row.values)
-        m_insert->BindValue(value);
-    m_insert->Step();
-    m_insert->Reset();
+        m_insert.BindValue(value);
+    m_insert.Step();
+    m_insert.Reset();
     return true;
 }
 
 bool CFoundTable::HasRow(const StoredRow& row) {
-    return IsFound(m_sameRow->Bind(row.rowId).BindValue(row.values[kActionLogIdIndex]));
+    return IsFound(m_sameRow.Bind(row.rowId).BindValue(row.values[kActionLogIdIndex]));
 }
 
 bool CFoundTable::HasRecord(const StoredRow& row) {
-    return IsFound(m_sameRecord->BindValue(row.values[kActionLogIdIndex]));
+    return IsFound(m_sameRecord.BindValue(row.values[kActionLogIdIndex]));
 }
 
 UINT64 CFoundTable::Execute(const std::string& statement) const {

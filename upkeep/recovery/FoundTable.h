@@ -40,9 +40,9 @@ private:
     const CConnection& m_fresh;
     std::string m_table;
     std::string m_found; // the temporary table
-    std::optional<CQuery> m_insert;
-    std::optional<CQuery> m_sameRow;
-    std::optional<CQuery> m_sameRecord;
+    CQuery m_insert;
+    CQuery m_sameRow;
+    CQuery m_sameRecord;
 };
 
 } // namespace tsl

@@ -4,13 +4,22 @@
 
 namespace tsl {
 
-CFreshDatabase::CFreshDatabase(const std::wstring& path, const DatabaseTables& tables)
-    : m_connection(path, Access::Create), m_tables(tables) {
+namespace {
+
+// Begins the one transaction that fills the file, with its first table.
+CConnection& Begin(CConnection& connection, const std::string& table) {
     // Nobody uses the file before it is whole, and one that does not become so is deleted.
-    m_connection.Execute("PRAGMA page_size = 2048; PRAGMA main.journal_mode = OFF; "
-                         "PRAGMA temp.journal_mode = OFF; PRAGMA temp.cache_size = -65536; BEGIN");
-    m_connection.Execute(CreateStatement(m_tables.main));
-    m_main.emplace(m_connection, m_tables.main);
+    connection.Execute("PRAGMA page_size = 2048; PRAGMA main.journal_mode = OFF; "
+                       "PRAGMA temp.journal_mode = OFF; PRAGMA temp.cache_size = -65536; BEGIN");
+    connection.Execute(CreateStatement(table));
+    return connection;
+}
+
+} // namespace
+
+CFreshDatabase::CFreshDatabase(const std::wstring& path, const DatabaseTables& tables)
+    : m_connection(path, Access::Create), m_tables(tables),
+      m_main(Begin(m_connection, m_tables.main), m_tables.main) {
     if (m_tables.kept.empty()) return;
     m_connection.Execute(CreateStatement(m_tables.kept));
     m_kept.emplace(m_connection, m_tables.kept);
@@ -29,7 +38,7 @@ UINT32 CFreshDatabase::HighestIdOf(const std::string& table) const {
 }
 
 void CFreshDatabase::Write(UINT32 highestHandedOut) {
-    m_savedInMain = m_main->Write(highestHandedOut);
+    m_savedInMain = m_main.Write(highestHandedOut);
     if (m_kept) m_savedInKept = m_kept->Write(highestHandedOut);
     const UINT32 mark = HighestIdOf(m_tables.main);
     m_highestId = m_kept ? std::max(mark, HighestIdOf(m_tables.kept)) : mark;

@@ -12,7 +12,7 @@ public:
     // Makes the file, which must not be there.
     CFreshDatabase(const std::wstring& path, const DatabaseTables& tables);
 
-    CFoundTable& Main() { return *m_main; }
+    CFoundTable& Main() { return m_main; }
     // Null where the database has no such table.
     CFoundTable* Kept() { return m_kept ? &*m_kept : nullptr; }
 
@@ -31,7 +31,7 @@ private:
 
     CConnection m_connection;
     DatabaseTables m_tables;
-    std::optional<CFoundTable> m_main;
+    CFoundTable m_main;
     std::optional<CFoundTable> m_kept;
     SavedRows m_savedInMain;
     SavedRows m_savedInKept;

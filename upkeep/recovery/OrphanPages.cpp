@@ -42,6 +42,7 @@ std::vector<OrphanTree> FindOrphans(const CPageFile& file, const CPageUse& use) 
         trees[root].leaves.push_back(leaf);
     }
     std::vector<OrphanTree> sorted;
+    sorted.reserve(trees.size());
     for (auto& [root, tree] : trees)
         sorted.push_back(std::move(tree));
     std::ranges::stable_sort(sorted, std::ranges::greater(),

@@ -31,14 +31,14 @@ void Copy(const std::wstring& from, const std::wstring& to) {
     SetFileAttributesW(to.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-// The first look at the file takes the change back, or brings what is in the log into it. One that
-// is too damaged for that stays as it is.
+// The first look at the file takes the change back, or brings what is in the log into it.
 void Settle(const std::wstring& database) {
     try {
         const CConnection connection(database, Access::ReadWrite);
         connection.Number("SELECT count(*) FROM sqlite_schema");
         connection.Execute("PRAGMA journal_mode = DELETE");
-    } catch (const CSqliteError&) {
+    } catch (const CSqliteError&) { // NOLINT(bugprone-empty-catch): it is read all the same
+        // One that is too damaged for that stays as it is.
     }
 }
 

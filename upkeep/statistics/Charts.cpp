@@ -57,8 +57,8 @@ std::string GridLines(int width) {
     std::string lines;
     for (const int height : {0, kHeight / 2, kHeight}) {
         const std::string y = std::to_string(height);
-        lines += "<line class=\"grid\" x1=\"0\" y1=\"" + y + "\" x2=\"" + std::to_string(width) +
-                 "\" y2=\"" + y + "\"/>\n";
+        lines.append("<line class=\"grid\" x1=\"0\" y1=\"").append(y).append("\" x2=\"");
+        lines.append(std::to_string(width)).append("\" y2=\"").append(y).append("\"/>\n");
     }
     return lines;
 }

@@ -47,6 +47,70 @@ CFailure FailureToRead(const CSqliteError& error, const std::wstring& path) {
     return FailureOf("cannot read", path, error);
 }
 
+// False when the file has no such table.
+bool PrepareTable(const CConnection& connection, const std::string& name) {
+    const CDatabaseLock lock;
+    CQuery schema(connection,
+                  "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE "
+                  "NOCASE");
+    if (!schema.Bind(name).Step()) return false;
+    connection.Execute("CREATE TEMP TABLE " + name +
+                       " (ActionLogId, UserId, AppId, ActionName, PluginLoggedTime)");
+    return true;
+}
+
+// Rows keep their numbers, so that it is known where to go on. False when there is no other row.
+bool FetchPortion(const CConnection& connection, const std::string& name) {
+    constexpr INT64 kPortion = 10'000;
+    const INT64 last =
+        connection.Number("SELECT ifnull(MAX(rowid), -9223372036854775807) FROM temp." + name);
+    const CDatabaseLock lock;
+    CQuery copy(connection,
+                "INSERT INTO temp." + name +
+                    " (rowid, ActionLogId, UserId, AppId, ActionName, PluginLoggedTime) SELECT "
+                    "rowid, ActionLogId, UserId, AppId, ActionName, " +
+                    kTimeIfDate + " FROM main." + name +
+                    " WHERE rowid > ?1 ORDER BY rowid LIMIT ?2");
+    copy.Bind(last).Bind(kPortion).Step();
+    return connection.Number("SELECT changes()") == kPortion;
+}
+
+void FetchTable(const CConnection& connection, const std::string& name) {
+    if (!PrepareTable(connection, name)) return;
+    while (FetchPortion(connection, name)) {
+    }
+}
+
+bool HasFetched(const CConnection& connection, std::wstring_view table) {
+    CQuery schema(connection, "SELECT 1 FROM temp.sqlite_schema WHERE name = ?1");
+    return schema.Bind(ToUtf8(TableName(kTablePrefix, table))).Step();
+}
+
+std::vector<Tally> CountBy(const CConnection& connection, std::wstring_view column,
+                           const std::string& rows) {
+    std::vector<Tally> tallies;
+    CQuery query(connection, "SELECT ifnull(" + ToUtf8(column) + ", ''), COUNT(*) FROM " + rows +
+                                 " GROUP BY 1 ORDER BY 2 DESC, 1");
+    while (query.Step())
+        tallies.push_back({RepairUtf8(query.Text(0).value_or("")), query.Int64(1)});
+    return tallies;
+}
+
+// One pass serves the days and the hours of the week.
+void CountByHour(const CConnection& connection, const std::string& rows, StoreFigures& figures) {
+    const std::string hourOfTime = kHour;
+    CQuery query(connection, "SELECT " + hourOfTime + ", COUNT(*) FROM " + rows +
+                                 " WHERE PluginLoggedTime IS NOT NULL GROUP BY 1 ORDER BY 1");
+    while (query.Step()) {
+        const int hour = static_cast<int>(query.Int64(0));
+        const int day = hour / 24;
+        const std::int64_t records = query.Int64(1);
+        if (figures.days.empty() || figures.days.back().day != day) figures.days.push_back({day});
+        figures.days.back().records += records;
+        figures.hours[WeekdayOf(day)][static_cast<size_t>(hour % 24)] += records;
+    }
+}
+
 } // namespace
 
 bool CFetchedRows::Fetch(const std::wstring& path,
@@ -54,67 +118,28 @@ bool CFetchedRows::Fetch(const std::wstring& path,
     std::error_code missing;
     if (!std::filesystem::exists(path, missing)) return false;
     try {
-        Open(path);
+        const CConnection& connection = Open(path);
         for (const std::wstring_view table : tables)
-            FetchTable(ToUtf8(TableName(kTablePrefix, table)));
+            FetchTable(connection, ToUtf8(TableName(kTablePrefix, table)));
     } catch (const CSqliteError& error) {
         throw FailureToRead(error, path);
     }
     return true;
 }
 
-void CFetchedRows::Open(const std::wstring& path) {
+const CConnection& CFetchedRows::Open(const std::wstring& path) {
     const CDatabaseLock lock;
-    m_connection.emplace(path, Access::ReadOnly);
-    m_connection->Execute("PRAGMA temp_store = MEMORY");
-    m_pages = m_connection->Number("PRAGMA main.page_count");
-    m_freePages = m_connection->Number("PRAGMA main.freelist_count");
-}
-
-void CFetchedRows::FetchTable(const std::string& name) {
-    if (!PrepareTable(name)) return;
-    while (FetchPortion(name)) {
-    }
-}
-
-// False when the file has no such table.
-bool CFetchedRows::PrepareTable(const std::string& name) {
-    const CDatabaseLock lock;
-    CQuery schema(*m_connection,
-                  "SELECT 1 FROM main.sqlite_schema WHERE type = 'table' AND name = ?1 COLLATE "
-                  "NOCASE");
-    if (!schema.Bind(name).Step()) return false;
-    m_connection->Execute("CREATE TEMP TABLE " + name +
-                          " (ActionLogId, UserId, AppId, ActionName, PluginLoggedTime)");
-    return true;
-}
-
-// Rows keep their numbers, so that it is known where to go on. False when there is no other row.
-bool CFetchedRows::FetchPortion(const std::string& name) {
-    constexpr INT64 kPortion = 10'000;
-    const INT64 last =
-        m_connection->Number("SELECT ifnull(MAX(rowid), -9223372036854775807) FROM temp." + name);
-    const CDatabaseLock lock;
-    CQuery copy(*m_connection,
-                "INSERT INTO temp." + name +
-                    " (rowid, ActionLogId, UserId, AppId, ActionName, PluginLoggedTime) SELECT "
-                    "rowid, ActionLogId, UserId, AppId, ActionName, " +
-                    kTimeIfDate + " FROM main." + name +
-                    " WHERE rowid > ?1 ORDER BY rowid LIMIT ?2");
-    copy.Bind(last).Bind(kPortion).Step();
-    return m_connection->Number("SELECT changes()") == kPortion;
-}
-
-bool CFetchedRows::HasFetched(std::wstring_view table) const {
-    if (!m_connection) return false;
-    CQuery schema(*m_connection, "SELECT 1 FROM temp.sqlite_schema WHERE name = ?1");
-    return schema.Bind(ToUtf8(TableName(kTablePrefix, table))).Step();
+    const CConnection& connection = m_connection.emplace(path, Access::ReadOnly);
+    connection.Execute("PRAGMA temp_store = MEMORY");
+    m_pages = connection.Number("PRAGMA main.page_count");
+    m_freePages = connection.Number("PRAGMA main.freelist_count");
+    return connection;
 }
 
 TableFigures CFetchedRows::CountTable(std::wstring_view table) const {
     TableFigures figures;
     figures.name = ToUtf8(TableName(kTablePrefix, table));
-    if (!HasFetched(table)) return figures;
+    if (!m_connection || !HasFetched(*m_connection, table)) return figures;
     CQuery query(*m_connection,
                  "SELECT COUNT(*), COUNT(*) - COUNT(PluginLoggedTime), MIN(ActionLogId), "
                  "MAX(ActionLogId), MIN(PluginLoggedTime), MAX(PluginLoggedTime) FROM " +
@@ -130,36 +155,12 @@ TableFigures CFetchedRows::CountTable(std::wstring_view table) const {
 }
 
 void CFetchedRows::CountRecords(std::wstring_view table, StoreFigures& figures) const {
-    if (!HasFetched(table)) return;
+    if (!m_connection || !HasFetched(*m_connection, table)) return;
     const std::string rows = CopyOf(table);
-    figures.users = CountBy(kUserIdColumn, rows);
-    figures.applications = CountBy(kActionColumns[kAppIdIndex].name, rows);
-    figures.actions = CountBy(kActionNameColumn, rows);
-    CountByHour(rows, figures);
-}
-
-std::vector<Tally> CFetchedRows::CountBy(std::wstring_view column, const std::string& rows) const {
-    std::vector<Tally> tallies;
-    CQuery query(*m_connection, "SELECT ifnull(" + ToUtf8(column) + ", ''), COUNT(*) FROM " + rows +
-                                    " GROUP BY 1 ORDER BY 2 DESC, 1");
-    while (query.Step())
-        tallies.push_back({RepairUtf8(query.Text(0).value_or("")), query.Int64(1)});
-    return tallies;
-}
-
-// One pass serves the days and the hours of the week.
-void CFetchedRows::CountByHour(const std::string& rows, StoreFigures& figures) const {
-    const std::string hourOfTime = kHour;
-    CQuery query(*m_connection, "SELECT " + hourOfTime + ", COUNT(*) FROM " + rows +
-                                    " WHERE PluginLoggedTime IS NOT NULL GROUP BY 1 ORDER BY 1");
-    while (query.Step()) {
-        const int hour = static_cast<int>(query.Int64(0));
-        const int day = hour / 24;
-        const std::int64_t records = query.Int64(1);
-        if (figures.days.empty() || figures.days.back().day != day) figures.days.push_back({day});
-        figures.days.back().records += records;
-        figures.hours[WeekdayOf(day)][static_cast<size_t>(hour % 24)] += records;
-    }
+    figures.users = CountBy(*m_connection, kUserIdColumn, rows);
+    figures.applications = CountBy(*m_connection, kActionColumns[kAppIdIndex].name, rows);
+    figures.actions = CountBy(*m_connection, kActionNameColumn, rows);
+    CountByHour(*m_connection, rows, figures);
 }
 
 } // namespace tsl

@@ -29,15 +29,9 @@ public:
     void CountRecords(std::wstring_view table, StoreFigures& figures) const;
 
 private:
-    void Open(const std::wstring& path);
-    bool HasFetched(std::wstring_view table) const;
-    bool PrepareTable(const std::string& name);
-    void FetchTable(const std::string& name);
-    bool FetchPortion(const std::string& name);
-    std::vector<Tally> CountBy(std::wstring_view column, const std::string& rows) const;
-    void CountByHour(const std::string& rows, StoreFigures& figures) const;
+    const CConnection& Open(const std::wstring& path);
 
-    std::optional<CConnection> m_connection;
+    std::optional<CConnection> m_connection; // none before the file is fetched
     std::int64_t m_pages = 0;
     std::int64_t m_freePages = 0;
 };

@@ -81,6 +81,7 @@ CTable TopTable(const std::string& what, std::span<const Tally> tallies, size_t 
 
 std::vector<Tally> BusiestDays(const StoreFigures& figures) {
     std::vector<Tally> days;
+    days.reserve(figures.days.size());
     for (const DayTally& day : figures.days) {
         days.push_back({IsoDay(day.day) + " " + std::string(ShortWeekdayName(WeekdayOf(day.day))),
                         day.records});
@@ -108,7 +109,8 @@ void AddHours(Lines& lines, const HoursOfWeek& hours) {
             line += records == 0 ? '.' : static_cast<char>('0' + (records * 9 - 1) / busiest + 1);
         }
         const std::string total = Grouped(sum);
-        lines.push_back(line + std::string(12 - std::min<size_t>(total.size(), 12), ' ') + total);
+        line.append(12 - std::min<size_t>(total.size(), 12), ' ').append(total);
+        lines.push_back(std::move(line));
     }
 }
 

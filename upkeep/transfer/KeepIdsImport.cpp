@@ -34,15 +34,8 @@ std::string Difference(const HostAction& line, const StoredRecord& record) {
     return {};
 }
 
-std::string Named(const HostAction& action) {
-    return "record " + std::to_string(*action.id);
-}
-
-// Why a line cannot be recorded under its id, whatever is in the store.
-std::optional<std::string> WhyRefused(const HostAction& action) {
-    if (!action.id) return "\"id\" is missing";
-    if (*action.id == 0) return "\"id\" must be an integer from 1 to 4294967295";
-    return WhyNotRecorded(action);
+std::string Named(UINT32 id) {
+    return "record " + std::to_string(id);
 }
 
 std::vector<UINT32> IdsOfOwner(CHostSession& session, const RecordOwner& owner) {
@@ -60,12 +53,15 @@ void CKeepIdsImport::Refuse(const std::string& place, const std::string& why) {
 }
 
 void CKeepIdsImport::Add(const std::string& place, HostAction action) {
-    if (const auto why = WhyRefused(action)) return Refuse(place, *why);
-    if (!m_ids.insert(*action.id).second) {
-        return Refuse(place, "there is another line with the id " + std::to_string(*action.id) +
-                                 " before it");
+    if (!action.id) return Refuse(place, "\"id\" is missing");
+    const UINT32 id = *action.id;
+    if (id == 0) return Refuse(place, "\"id\" must be an integer from 1 to 4294967295");
+    if (const auto why = WhyNotRecorded(action)) return Refuse(place, *why);
+    if (!m_ids.insert(id).second) {
+        return Refuse(place,
+                      "there is another line with the id " + std::to_string(id) + " before it");
     }
-    m_portion.push_back({place, std::move(action)});
+    m_portion.push_back({place, id, std::move(action)});
     if (m_portion.size() == kPortion) RecordPortion();
 }
 
@@ -74,9 +70,7 @@ void CKeepIdsImport::Finish() {
 }
 
 void CKeepIdsImport::RecordPortion() {
-    const UINT32 highest = *std::ranges::max_element(m_portion, {}, [](const Line& line) {
-                                return *line.action.id;
-                            })->action.id;
+    const UINT32 highest = std::ranges::max_element(m_portion, {}, &Line::id)->id;
     // Only the component makes the file.
     if (!FileExists(CounterFilePath())) m_session.NextRecordId();
     RaiseCounterTo(CounterFilePath(), highest);
@@ -84,7 +78,7 @@ void CKeepIdsImport::RecordPortion() {
     const std::map<UINT32, std::string> there = CompareThoseThere();
     std::vector<const Line*> recorded;
     for (const Line& line : m_portion) {
-        const auto found = there.find(*line.action.id);
+        const auto found = there.find(line.id);
         if (found != there.end()) {
             PassOver(line, found->second);
         } else if (RecordMissing(line)) {
@@ -97,8 +91,9 @@ void CKeepIdsImport::RecordPortion() {
 
 std::map<UINT32, std::string> CKeepIdsImport::CompareThoseThere() {
     std::vector<UINT32> ids;
+    ids.reserve(m_portion.size());
     for (const Line& line : m_portion)
-        ids.push_back(*line.action.id);
+        ids.push_back(line.id);
     std::map<UINT32, StoredRecord> records;
     for (StoredRecord& record : FetchRecords(m_session, ids))
         records[record.id] = std::move(record);
@@ -106,17 +101,16 @@ std::map<UINT32, std::string> CKeepIdsImport::CompareThoseThere() {
     std::map<UINT32, std::string> differences;
     std::map<RecordOwner, std::vector<UINT32>> idsOfOwners;
     for (const Line& line : m_portion) {
-        const UINT32 id = *line.action.id;
-        const auto found = records.find(id);
+        const auto found = records.find(line.id);
         if (found == records.end()) continue;
-        std::string& difference = differences[id];
+        std::string& difference = differences[line.id];
         difference = Difference(line.action, found->second);
         if (!difference.empty()) continue;
         // A record does not tell its log kind.
         const RecordOwner owner{line.action.user, line.action.kind};
         const auto [ofOwner, isNew] = idsOfOwners.try_emplace(owner);
         if (isNew) ofOwner->second = IdsOfOwner(m_session, owner);
-        if (!std::ranges::binary_search(ofOwner->second, id)) difference = "kind";
+        if (!std::ranges::binary_search(ofOwner->second, line.id)) difference = "kind";
     }
     return differences;
 }
@@ -124,7 +118,7 @@ std::map<UINT32, std::string> CKeepIdsImport::CompareThoseThere() {
 void CKeepIdsImport::PassOver(const Line& line, const std::string& difference) {
     if (!difference.empty()) {
         ++m_counts.otherContent;
-        m_tell(line.place + Named(line.action) + " is there with another content (" + difference +
+        m_tell(line.place + Named(line.id) + " is there with another content (" + difference +
                ") and was left alone");
         return;
     }
@@ -135,7 +129,7 @@ void CKeepIdsImport::PassOver(const Line& line, const std::string& difference) {
 bool CKeepIdsImport::RecordMissing(const Line& line) {
     if (!m_anyMissing) RecordLastFoundAgain();
     m_anyMissing = true;
-    if (const auto loss = WhatWouldBeLost(line.action)) {
+    if (const auto loss = WhatWouldBeLost(line)) {
         Refuse(line.place, *loss);
         return false;
     }
@@ -148,8 +142,7 @@ bool CKeepIdsImport::RecordMissing(const Line& line) {
 // replay log any more.
 void CKeepIdsImport::RecordLastFoundAgain() {
     if (!m_lastFound || GainsValues(m_lastFound->action) ||
-        IsInReplayLog(ReplayLogPath(), *m_lastFound->action.id) ||
-        WhatWouldBeLost(m_lastFound->action)) {
+        IsInReplayLog(ReplayLogPath(), m_lastFound->id) || WhatWouldBeLost(*m_lastFound)) {
         return;
     }
     RecordAs(*m_lastFound);
@@ -157,7 +150,7 @@ void CKeepIdsImport::RecordLastFoundAgain() {
 
 void CKeepIdsImport::RecordAs(const Line& line) {
     try {
-        m_session.RecordAs(line.action, *line.action.id);
+        m_session.RecordAs(line.action, line.id);
     } catch (const CFailure& failure) {
         throw CFailure(failure.Code(), line.place + failure.what() + "; " +
                                            std::to_string(m_counts.recorded) +
@@ -165,19 +158,20 @@ void CKeepIdsImport::RecordAs(const Line& line) {
     }
 }
 
-std::optional<std::string> CKeepIdsImport::WhatWouldBeLost(const HostAction& action) {
+std::optional<std::string> CKeepIdsImport::WhatWouldBeLost(const Line& line) {
+    const HostAction& action = line.action;
     if (DeletesRecords(action)) {
         std::vector<UINT32> ids = IdsOfOwner(m_session, {action.user, action.kind});
-        std::erase(ids, *action.id);
+        std::erase(ids, line.id);
         if (!ids.empty()) {
             return "a setting reset would delete " + CountOfRecords(ids.size()) + " of user " +
                    std::to_string(action.user) + " under log kind " + std::to_string(action.kind);
         }
     }
     if (KeepsDeletedItems(action)) {
-        const auto kept = ReadKeptParameters(ActionLogPath(), *action.id);
+        const auto kept = ReadKeptParameters(ActionLogPath(), line.id);
         if (kept && kept != action.parameters) {
-            return "a record of deleted items is kept under the id " + std::to_string(*action.id) +
+            return "a record of deleted items is kept under the id " + std::to_string(line.id) +
                    " and would be replaced";
         }
     }
@@ -186,19 +180,20 @@ std::optional<std::string> CKeepIdsImport::WhatWouldBeLost(const HostAction& act
 
 void CKeepIdsImport::CompareRecorded(const std::vector<const Line*>& recorded) {
     std::vector<UINT32> ids;
+    ids.reserve(recorded.size());
     for (const Line* const line : recorded)
-        ids.push_back(*line->action.id);
+        ids.push_back(line->id);
     std::map<UINT32, StoredRecord> records;
     for (StoredRecord& record : FetchRecords(m_session, ids))
         records[record.id] = std::move(record);
 
     for (const Line* const line : recorded) {
-        const auto found = records.find(*line->action.id);
+        const auto found = records.find(line->id);
         const bool isThere = found != records.end();
         const std::string difference = isThere ? Difference(line->action, found->second) : "";
         if (isThere && difference.empty()) continue;
         if (++m_counts.becameOthers > kMostTold) continue;
-        std::string message = line->place + Named(line->action);
+        std::string message = line->place + Named(line->id);
         if (!isThere) {
             message += " is not in the action log";
         } else if (GainsValues(line->action)) {

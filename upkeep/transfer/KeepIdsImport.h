@@ -42,6 +42,7 @@ public:
 private:
     struct Line {
         std::string place;
+        UINT32 id;
         HostAction action;
     };
 
@@ -55,7 +56,7 @@ private:
     void RecordAs(const Line& line);
     void CompareRecorded(const std::vector<const Line*>& recorded);
     // Why recording it now would lose something that is in the store; nothing when it would not.
-    std::optional<std::string> WhatWouldBeLost(const HostAction& action);
+    std::optional<std::string> WhatWouldBeLost(const Line& line);
     void Refuse(const std::string& place, const std::string& why);
 
     CHostSession& m_session;

@@ -71,6 +71,14 @@ bool HasAnchor(const std::map<INT64, UINT32>& latest) {
     return latest.size() == kLatest;
 }
 
+// Whether rows were only added above the lowest of the latest ones.
+bool IsAnchorInPlace(const CConnection& connection, const std::map<INT64, UINT32>& latest) {
+    if (!HasAnchor(latest)) return true;
+    const auto& [row, id] = *latest.begin();
+    CQuery query(connection, "SELECT ActionLogId FROM " + TableOfRecords() + " WHERE rowid = ?");
+    return query.Bind(row).Step() && query.Uint32(0) == id;
+}
+
 UINT32 HighestThere(const CConnection& connection) {
     return static_cast<UINT32>(
         connection.Number("SELECT MAX(ActionLogId) FROM " + TableOfRecords()));
@@ -155,7 +163,7 @@ void CRecordFeed::Remember(const DatabaseMark& mark, LatestRows latest, UINT32 h
 
 std::vector<ExportedRecord> CRecordFeed::ReadNew(const CConnection& connection) const {
     if (!m_highest) return {};
-    const bool byRow = m_latest && IsAnchorInPlace(connection);
+    const bool byRow = m_latest && IsAnchorInPlace(connection, *m_latest);
     CQuery rows(connection, SelectRecords() + (byRow ? " WHERE rowid > ? ORDER BY rowid"
                                                      : " WHERE ActionLogId > ? "
                                                        "ORDER BY ActionLogId"));
@@ -172,13 +180,6 @@ std::vector<ExportedRecord> CRecordFeed::ReadNew(const CConnection& connection) 
         if (known.insert(rows.Uint32(kIdColumn)).second) records.push_back(ReadRecord(rows));
     }
     return records;
-}
-
-bool CRecordFeed::IsAnchorInPlace(const CConnection& connection) const {
-    if (!HasAnchor(*m_latest)) return true;
-    const auto& [row, id] = *m_latest->begin();
-    CQuery query(connection, "SELECT ActionLogId FROM " + TableOfRecords() + " WHERE rowid = ?");
-    return query.Bind(row).Step() && query.Uint32(0) == id;
 }
 
 } // namespace tsl

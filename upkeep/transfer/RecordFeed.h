@@ -50,8 +50,6 @@ private:
 
     std::vector<ExportedRecord> LookInto(const CConnection& connection);
     std::vector<ExportedRecord> ReadNew(const CConnection& connection) const;
-    // Whether rows were only added above the lowest of the latest ones.
-    bool IsAnchorInPlace(const CConnection& connection) const;
     void Remember(const DatabaseMark& mark, LatestRows latest, UINT32 highest);
 
     const std::wstring m_database;
