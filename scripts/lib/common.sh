@@ -5,6 +5,8 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$root/build
+# Without this, ccache keeps nothing that has a precompiled header.
+export CCACHE_SLOPPINESS=pch_defines,time_macros
 
 die() {
   printf '%s: %s\n' "$(basename "$0")" "$1" >&2

@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154  # root and build come from common.sh
 # Sourced by the scripts that run tests. Needs common.sh and wine.sh.
 #
 # A lane is a Wine prefix with a server of its own, so that the machine-wide folders and the named mutexes

@@ -116,7 +116,9 @@ def windows_path(path):
 
 
 def tail(text):
-    return "\n".join(text.splitlines()[-SHOWN_LINES:])
+    # What the debugger tells of a crash ends with lists of all modules and processes.
+    words = re.sub(r"\nModules:\n.*", "", text, flags=re.S)
+    return "\n".join(words.splitlines()[-SHOWN_LINES:])
 
 
 def said_by(output, test):

@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2154  # root and build come from common.sh, the lanes from lanes.sh
 # Sourced by scripts/test and scripts/check. Needs common.sh, wine.sh and lanes.sh.
 
 test_results=$build/results
@@ -25,9 +26,10 @@ shell_scripts() {
 
 # build_chosen: the targets of the lines that select_tests.py printed.
 build_chosen() {
-  local chosen preset targets
+  local chosen preset presets targets
   chosen=$(cat)
-  for preset in $(cut -d ' ' -f 1 <<<"$chosen" | sort -u); do
+  mapfile -t presets < <(cut -d ' ' -f 1 <<<"$chosen" | sort -u)
+  for preset in "${presets[@]}"; do
     mapfile -t targets < <(awk -v preset="$preset" '$1 == preset { print $3 }' <<<"$chosen" | sort -u)
     "$root/scripts/build" "$preset" "${targets[@]}"
   done
