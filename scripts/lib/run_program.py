@@ -1,4 +1,4 @@
-"""Runs one test program, or a shard of it, in the Wine prefix of a lane, and leaves its results as XML.
+"""Runs one test program, or a shard of it, and leaves its results as XML.
 
 All tests of a shard share a process, unless --process-per-test is given. A process that dies or hangs
 costs the test that it was in; the tests behind it are run in another process. What failed is run once
@@ -33,29 +33,14 @@ class Result:
     message: str = ""
 
 
-def lane_prefix():
-    """The Wine prefix of the lane that ctest gave this test; the first one outside of ctest."""
-    chosen = re.match(r"id:(\d+)", os.environ.get("CTEST_RESOURCE_GROUP_0_LANES", "id:0"))
-    prefix = BUILD / "wine" / f"lane-{chosen.group(1)}"
-    if not prefix.is_dir():
-        sys.exit(f"no Wine prefix at {prefix.relative_to(ROOT)}: scripts/test and scripts/check make it")
-    return prefix
-
-
 def environment(zone):
-    """What every Windows program is run with; scripts/lib/wine.sh has the same for shells."""
+    """What scripts/lib/in_lane has set, and the time zone."""
     settings = dict(os.environ)
-    for name in ("TZ", "DISPLAY"):
-        settings.pop(name, None)
-    settings.update(
-        WINEPREFIX=str(lane_prefix()),
-        WINEARCH="win64",
-        WINEDEBUG="-all",
-        WINEDLLOVERRIDES="mscoree,mshtml=",
-        TSL_TEST_STORE_MAY_BE_WIPED="1",  # the lane's
-    )
+    if "WINEPREFIX" not in settings:
+        sys.exit("run it by way of scripts/lib/in_lane, which sets the Wine prefix")
     if zone:
-        settings["TZ"] = zone  # Wine takes the machine's time zone from it
+        # Wine takes the machine's zone from the one, the tests see by the other that they may run.
+        settings.update(TZ=zone, TSL_TEST_ZONE=zone)
     return settings
 
 
