@@ -19,6 +19,11 @@ check_scripts() {
   (cd "$root" && shellcheck "${files[@]}") || die "shellcheck has objections"
 }
 
+# check_lint FILE...: clang-tidy's opinion of single files; the clang preset must be configured.
+check_lint() {
+  (cd "$root" && clang-tidy-19 --quiet -p "$build/clang" "$@")
+}
+
 shell_scripts() {
   git -C "$root" ls-files -z scripts tests packaging .ci |
     (cd "$root" && xargs -0 grep -lE '^#!.*\bbash|^# (shellcheck shell=|Sourced by)' --)
