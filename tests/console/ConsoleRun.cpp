@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "tests/support/FullForm.h"
+#include "tests/support/StartedProgram.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -73,15 +74,9 @@ RunningConsole::RunningConsole(const std::filesystem::path& program, const std::
     startup.hStdOutput = m_streams->out.Get();
     startup.hStdError = m_streams->err.Get();
 
-    std::wstring command = L"\"" + program.wstring() + L"\" " + arguments;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, /*inheritHandles=*/TRUE,
-                        creationFlags, nullptr, nullptr, &startup, &started)) {
-        throw std::runtime_error("tslhost.exe cannot be started");
-    }
-    m_process = CHandle(started.hProcess);
-    m_processId = started.dwProcessId;
-    const CHandle thread(started.hThread);
+    StartedProgram started = StartProgram(program, arguments, &startup, creationFlags);
+    m_process = std::move(started.process);
+    m_processId = started.id;
 }
 
 RunningConsole::RunningConsole(const std::wstring& arguments, const std::string& input,

@@ -5,6 +5,7 @@
 
 #include "tests/maintenance/OldStore.h"
 #include "tests/support/MutexHolder.h"
+#include "tests/support/StartedProgram.h"
 
 namespace tsl::test {
 
@@ -22,15 +23,8 @@ public:
         startup.cb = sizeof startup;
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdInput = startup.hStdOutput = startup.hStdError = nowhere.Get();
-        std::wstring command =
-            L"\"" + (ProgramFolder() / L"tslhost.exe").wstring() + L"\" ids --kind 1";
-        PROCESS_INFORMATION started{};
-        if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, /*inheritHandles=*/TRUE, 0,
-                            nullptr, nullptr, &startup, &started)) {
-            throw std::runtime_error("tslhost.exe cannot be started");
-        }
-        const CHandle thread(started.hThread);
-        m_process = CHandle(started.hProcess);
+        m_process =
+            StartProgram(ProgramFolder() / L"tslhost.exe", L"ids --kind 1", &startup).process;
     }
 
     // Its exit code; fails the test when it does not end.

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "tests/support/StartedProgram.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -19,18 +20,10 @@ std::filesystem::path NextReport() {
 WorkerProcess::WorkerProcess(const std::wstring& mode, const std::wstring& amount, UINT32 number)
     : m_number(number), m_report(NextReport()) {
     std::filesystem::remove(m_report); // of an earlier process of the same number
-    const std::wstring program = (ProgramFolder() / L"process_worker.exe").wstring();
-    std::wstring command = L"\"" + program + L"\" " + mode + L" " + amount + L" " +
-                           std::to_wstring(number) + L" \"" + m_report.wstring() + L"\"";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, /*inheritHandles=*/FALSE,
-                        0, nullptr, nullptr, &startup, &started)) {
-        throw std::runtime_error("process_worker.exe cannot be started");
-    }
-    m_process = CHandle(started.hProcess);
-    const CHandle thread(started.hThread);
+    m_process = StartProgram(ProgramFolder() / L"process_worker.exe",
+                             mode + L" " + amount + L" " + std::to_wstring(number) + L" \"" +
+                                 m_report.wstring() + L"\"")
+                    .process;
 }
 
 std::vector<WorkerCall> WorkerProcess::Wait(DWORD milliseconds) {

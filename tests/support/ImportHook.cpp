@@ -1,6 +1,8 @@
 // The import table of a module.
 #include "tests/support/ImportHook.h"
 
+#include <cstddef>
+#include <cstring>
 #include <stdexcept>
 
 namespace tsl::test {
@@ -12,21 +14,32 @@ T* At(HMODULE module, size_t offset) {
     return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
 }
 
+// A copy: linkers lay the tables out as they like, not as the compiler aligns such structures.
+template <class T>
+T Read(HMODULE module, size_t offset) {
+    T value;
+    std::memcpy(&value, At<char>(module, offset), sizeof value);
+    return value;
+}
+
 // Calls visit with the name and the slot of each function that is imported by name, until it
 // returns true.
 template <class Visit>
 void VisitImports(HMODULE module, Visit visit) {
-    const auto offset = static_cast<size_t>(At<IMAGE_DOS_HEADER>(module, 0)->e_lfanew);
-    const IMAGE_OPTIONAL_HEADER64& header = At<IMAGE_NT_HEADERS64>(module, offset)->OptionalHeader;
-    const DWORD imports = header.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(module, imports); library->Name != 0;
-         ++library) {
-        auto* entry = At<IMAGE_THUNK_DATA64>(module, library->OriginalFirstThunk);
-        auto* slot = At<void*>(module, library->FirstThunk);
-        for (; entry->u1.AddressOfData != 0; ++entry, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL64(entry->u1.Ordinal)) continue;
-            if (visit(At<IMAGE_IMPORT_BY_NAME>(module, entry->u1.AddressOfData)->Name, slot))
-                return;
+    const auto headers = static_cast<size_t>(Read<IMAGE_DOS_HEADER>(module, 0).e_lfanew);
+    const auto header = Read<IMAGE_NT_HEADERS64>(module, headers).OptionalHeader;
+    size_t descriptor = header.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    for (;; descriptor += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+        const auto library = Read<IMAGE_IMPORT_DESCRIPTOR>(module, descriptor);
+        if (library.Name == 0) return;
+        for (size_t index = 0;; ++index) {
+            const auto entry = Read<IMAGE_THUNK_DATA64>(
+                module, library.OriginalFirstThunk + index * sizeof(IMAGE_THUNK_DATA64));
+            if (entry.u1.AddressOfData == 0) break;
+            if (IMAGE_SNAP_BY_ORDINAL64(entry.u1.Ordinal)) continue;
+            const char* const name =
+                At<char>(module, entry.u1.AddressOfData + offsetof(IMAGE_IMPORT_BY_NAME, Name));
+            if (visit(name, At<void*>(module, library.FirstThunk + index * sizeof(void*)))) return;
         }
     }
 }

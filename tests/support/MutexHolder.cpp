@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "tests/support/StartedProgram.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -24,17 +25,8 @@ MutexHolder::MutexHolder(const std::wstring& mutexName) {
     const CHandle ready = CreateNamedEvent(L"hold_mutex_ready_" + tag);
     m_release = CreateNamedEvent(L"hold_mutex_release_" + tag);
 
-    const std::wstring program = (ProgramFolder() / L"hold_mutex.exe").wstring();
-    std::wstring command = L"\"" + program + L"\" \"" + mutexName + L"\" " + tag;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (!CreateProcessW(program.c_str(), command.data(), nullptr, nullptr,
-                        /*inheritHandles=*/FALSE, 0, nullptr, nullptr, &startup, &started)) {
-        throw std::runtime_error("hold_mutex.exe cannot be started");
-    }
-    const CHandle thread(started.hThread);
-    m_process = CHandle(started.hProcess);
+    m_process =
+        StartProgram(ProgramFolder() / L"hold_mutex.exe", L"\"" + mutexName + L"\" " + tag).process;
     if (WaitForSingleObject(ready.Get(), kStartTimeoutMilliseconds) != WAIT_OBJECT_0) {
         Kill();
         throw std::runtime_error("hold_mutex.exe did not take the mutex");

@@ -50,7 +50,7 @@ double Luminance(const std::string& colour) {
 }
 
 double Contrast(const std::string& one, const std::string& other) {
-    const auto [darker, lighter] = std::minmax(Luminance(one), Luminance(other));
+    const auto [darker, lighter] = std::minmax({Luminance(one), Luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
