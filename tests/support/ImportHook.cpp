@@ -39,15 +39,15 @@ void VisitImports(HMODULE module, Visit visit) {
             if (IMAGE_SNAP_BY_ORDINAL64(entry.u1.Ordinal)) continue;
             const char* const name =
                 At<char>(module, entry.u1.AddressOfData + offsetof(IMAGE_IMPORT_BY_NAME, Name));
-            if (visit(name, At<void*>(module, library.FirstThunk + index * sizeof(void*)))) return;
+            if (visit(name, At<char>(module, library.FirstThunk + index * sizeof(void*)))) return;
         }
     }
 }
 
 // Null when the function is not imported.
-void** SlotOf(HMODULE module, const std::string& name) {
-    void** found = nullptr;
-    VisitImports(module, [&](const char* imported, void** slot) {
+void* SlotOf(HMODULE module, const std::string& name) {
+    void* found = nullptr;
+    VisitImports(module, [&](const char* imported, void* slot) {
         if (imported == name) found = slot;
         return found != nullptr;
     });
@@ -57,30 +57,36 @@ void** SlotOf(HMODULE module, const std::string& name) {
 } // namespace
 
 void* ImportHook::Imported(HMODULE module, const char* name) {
-    void** const slot = SlotOf(module, name);
-    return slot ? *slot : nullptr;
+    void* const slot = SlotOf(module, name);
+    return slot ? ReadSlot(slot) : nullptr;
 }
 
 std::vector<std::string> ImportHook::ImportedNames(HMODULE module) {
     std::vector<std::string> names;
-    VisitImports(module, [&](const char* imported, void**) {
+    VisitImports(module, [&](const char* imported, void*) {
         names.emplace_back(imported);
         return false;
     });
     return names;
 }
 
-void** ImportHook::FindSlot(HMODULE module, const char* name) {
-    void** const slot = SlotOf(module, name);
+void* ImportHook::FindSlot(HMODULE module, const char* name) {
+    void* const slot = SlotOf(module, name);
     if (!slot) throw std::runtime_error(std::string(name) + " is not imported");
     return slot;
 }
 
-void ImportHook::Write(void* function) const {
+void* ImportHook::ReadSlot(const void* slot) {
+    void* function = nullptr;
+    std::memcpy(&function, slot, sizeof function);
+    return function;
+}
+
+void ImportHook::WriteSlot(void* function) const {
     DWORD protection = 0;
-    VirtualProtect(m_slot, sizeof *m_slot, PAGE_READWRITE, &protection);
-    *m_slot = function;
-    VirtualProtect(m_slot, sizeof *m_slot, protection, &protection);
+    VirtualProtect(m_slot, sizeof function, PAGE_READWRITE, &protection);
+    std::memcpy(m_slot, &function, sizeof function);
+    VirtualProtect(m_slot, sizeof function, protection, &protection);
 }
 
 } // namespace tsl::test

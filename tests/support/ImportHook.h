@@ -21,12 +21,12 @@ public:
     // In another module.
     template <class Function>
     ImportHook(HMODULE module, const char* name, Function* replacement)
-        : m_slot(FindSlot(module, name)), m_original(*m_slot) {
-        Write(std::bit_cast<void*>(replacement));
+        : m_slot(FindSlot(module, name)), m_original(ReadSlot(m_slot)) {
+        WriteSlot(std::bit_cast<void*>(replacement));
     }
     ImportHook(const ImportHook&) = delete;
     ImportHook& operator=(const ImportHook&) = delete;
-    ~ImportHook() { Write(m_original); }
+    ~ImportHook() { WriteSlot(m_original); }
 
     // The function that a module imports; null when it does not import it.
     static void* Imported(HMODULE module, const char* name);
@@ -34,10 +34,12 @@ public:
     static std::vector<std::string> ImportedNames(HMODULE module);
 
 private:
-    static void** FindSlot(HMODULE module, const char* name);
-    void Write(void* function) const;
+    // A slot is where the linker put it, which need not be where a pointer may lie.
+    static void* FindSlot(HMODULE module, const char* name);
+    static void* ReadSlot(const void* slot);
+    void WriteSlot(void* function) const;
 
-    void** m_slot;
+    void* m_slot;
     void* m_original;
 };
 
