@@ -44,12 +44,14 @@ def environment(zone):
     return settings
 
 
+@dataclasses.dataclass
 class Program:
-    def __init__(self, path, log, settings, limit):
-        self.path = path
-        self.log = log
-        self.settings = settings
-        self.limit = limit
+    """A test program: where it is, where its output goes, its environment, and the seconds that a test may take."""
+
+    path: pathlib.Path
+    log: pathlib.Path
+    settings: dict
+    limit: float
 
     def start(self, arguments, extra=None):
         """Runs it with its output in the log. Returns the exit code, or None when a test hung."""
@@ -240,7 +242,10 @@ class Shard:
         """Runs each failed test alone and says what it does then."""
         for failure in self.failures():
             print(f"\nFAILED {self.arguments.name}: {failure.name}\n{tail(failure.message)}")
-            alone = Shard(self.program, self.arguments)
+            # With a log of its own: that of the shard stays to be read.
+            alone = Shard(
+                dataclasses.replace(self.program, log=self.program.log.with_suffix(".alone.log")), self.arguments
+            )
             try:
                 alone._run(failure.name, [failure.name])
                 verdict = alone.results[0].outcome

@@ -60,8 +60,8 @@ run_tests() {
   printf 'subdirs(%s)\n' "${builds[*]}" >"$build/CTestTestfile.cmake"
   rm -rf "$test_results"
   mkdir -p "$test_results"
-  ctest --test-dir "$build" --parallel "$lane_count" --resource-spec-file "$lanes_file" --no-tests=error --no-label-summary \
-    --output-on-failure --output-junit "$test_results/ctest.xml" "$@" || status=$?
+  ctest --test-dir "$build" --parallel "$lane_count" --resource-spec-file "$lanes_file" --no-tests=error \
+    --no-label-summary --output-on-failure --output-junit "$test_results/ctest.xml" "$@" || status=$?
   [ -e "$test_results/ctest.xml" ] || die "the tests could not be run"
   python3 "$root/scripts/lib/test_summary.py" "$test_results" "$test_results/ctest.xml" || status=$?
   return "$status"

@@ -78,11 +78,15 @@ def with_dependents(changed):
         affected |= more
 
 
+def known_folders(entries):
+    return sorted({label for entry in entries for label in entry.labels()})
+
+
 def by_folders(entries, folders):
-    known = {label for entry in entries for label in entry.labels()}
+    known = known_folders(entries)
     unknown = [folder for folder in folders if folder not in known]
     if unknown:
-        sys.exit(f"no test covers {', '.join(unknown)}; there are: {' '.join(sorted(known))}")
+        sys.exit(f"no test covers {', '.join(unknown)}; there are: {' '.join(known)}")
     return [entry for entry in entries if set(folders) & entry.labels()]
 
 
@@ -90,15 +94,13 @@ def by_changes(entries, files):
     if any(file.startswith(EVERYWHERE) for file in files):
         return [entry for entry in entries if entry.covers]
     tested = {pathlib.PurePath(file).parts[1] for file in files if re.match(r"tests/\w+/", file)}
-    changed = {file.split("/")[0] for file in files if "/" in file} & set(product_folders())
-    affected = with_dependents(changed)
+    affected = with_dependents(file.split("/")[0] for file in files if "/" in file)
     chosen = [
         entry for entry in entries if entry.folder in tested or affected & set(entry.covers)
     ]
     if not chosen:
-        known = sorted({label for entry in entries for label in entry.labels()})
         told = f"no test covers what differs ({len(files)} files)" if files else "nothing differs from main"
-        sys.exit(f"{told}; name a folder: {' '.join(known)}")
+        sys.exit(f"{told}; name a folder: {' '.join(known_folders(entries))}")
     return chosen
 
 

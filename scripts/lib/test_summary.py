@@ -1,6 +1,6 @@
 """Counts the tests that were really run, from the results that they left as XML.
 
-test_summary.py RESULTS CTEST_XML prints one line; --names prints the full name of each test instead.
+test_summary.py RESULTS CTEST_XML prints one line.
 An entry of ctest that is no program of the test framework counts as one test. Fails when a test failed or
 none was run.
 """
@@ -39,12 +39,8 @@ def any_failed(path):
 
 
 def main():
-    names_only = "--names" in sys.argv
-    results, ctest_report = [pathlib.Path(word) for word in sys.argv[1:] if word != "--names"]
+    results, ctest_report = map(pathlib.Path, sys.argv[1:])
     outcomes = collect(results, ctest_report)
-    if names_only:
-        print("\n".join(sorted(outcomes)))
-        return 0
     count = {kind: list(outcomes.values()).count(kind) for kind in ("passed", "failed", "skipped")}
     print(f"\n{count['passed']} passed, {count['failed']} failed, {count['skipped']} skipped")
     return 1 if count["failed"] or not count["passed"] else 0

@@ -33,6 +33,7 @@ class RunProgram(unittest.TestCase):
         for case in xml.parse(report).getroot().iter("testcase"):
             kinds = [kind for kind in ("failure", "skipped") if case.find(kind) is not None]
             outcomes[case.get("name")] = kinds[0] if kinds else "passed"
+        self.kept_log = (RESULTS / "sample.runner.log").read_text()
         for path in RESULTS.glob("sample.runner.*"):
             path.unlink()
         return code, output, outcomes
@@ -51,6 +52,7 @@ class RunProgram(unittest.TestCase):
         self.assertIn("FAILED sample.runner: Sample.BFails", output)
         self.assertIn("as it should", output)
         self.assertIn("alone: failed", output)
+        self.assertIn("Sample.APasses", self.kept_log, "the log is that of the shard")
         self.assertEqual({"APasses": "passed", "BFails": "failure"}, outcomes)
 
     def test_test_that_passes_alone_is_told_so_and_has_failed(self):
@@ -194,6 +196,10 @@ class SelectTests(unittest.TestCase):
         for program in ("store_tests", "query_tests", "recording_tests", "component_tests"):
             self.assertIn(program, output)
         self.assertNotIn("files_tests", output)
+
+    def test_changed_script_chooses_the_tests_of_the_scripts(self):
+        code, output = self.select("changed", "scripts/lib/run_program.py")
+        self.assertEqual((0, "release release.runner runner_sample\n"), (code, output))
 
     def test_changed_test_chooses_its_own_program_only(self):
         code, output = self.select("changed", "tests/store/OpenTests.cpp")
