@@ -4,7 +4,7 @@
 #include "tests/deletion/DeletionFixture.h"
 #include "tests/support/EngineSleeps.h"
 #include "tests/support/Failures.h"
-#include "tests/support/ProcessMeasures.h"
+#include "tests/support/ProcessUsage.h"
 
 namespace tsl::test {
 

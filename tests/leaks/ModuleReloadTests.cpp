@@ -1,12 +1,12 @@
 // The module is loaded and unloaded a thousand times, and works each time: no life of it leaves
 // anything to the process.
 #include "component/host/CommandCodes.h"
-#include "tests/leaks/UsageOverTime.h"
 #include "tests/memory_faults/AllocationFaults.h"
 #include "tests/support/ComSession.h"
 #include "tests/support/Containers.h"
 #include "tests/support/FullForm.h"
 #include "tests/support/PluginFixture.h"
+#include "tests/support/ProcessUsage.h"
 #include "tests/support/StoreChecks.h"
 
 namespace tsl::test {
@@ -50,10 +50,13 @@ protected:
                 ASSERT_NO_FATAL_FAILURE(Live(runsOutOfMemory));
         };
         ASSERT_NO_FATAL_FAILURE(live(kWarmUp));
-        const UsageOverTime usage([&] { live(lives / 2); });
-        Measured(std::to_string(lives) + " lives of the module" + name + ": " + usage.Text());
-        usage.ExpectFlat(kToleratedBytesPerLife * static_cast<size_t>(lives));
-        EXPECT_EQ(kWarmUp + lives, CountRows(ActionLogPath(), kActionLogRows));
+        UsageOverTime usage(
+            {.heapBytes = kToleratedBytesPerLife * static_cast<size_t>(lives), .handles = 3});
+        usage.Repeat([&] { live(lives); });
+        ASSERT_FALSE(HasFatalFailure());
+        Measured("rounds of " + std::to_string(lives) + " lives of the module" + name + ": " +
+                 usage.ExpectFlat());
+        EXPECT_EQ(static_cast<int>(m_recordId), CountRows(ActionLogPath(), kActionLogRows));
     }
 
 private:

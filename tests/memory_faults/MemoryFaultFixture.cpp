@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "files/UserIdList.h"
-#include "tests/leaks/ProcessUsage.h"
 #include "tests/support/FullForm.h"
+#include "tests/support/ProcessUsage.h"
 
 namespace tsl::test {
 
@@ -131,26 +131,20 @@ void MemoryFaultTest::RunAll(const Operation& operation, const std::vector<int>&
     }
 }
 
-// What the first runs leave in caches is not counted; what is kept grows with every further round.
 void MemoryFaultTest::ExpectNothingIsKept(const Operation& operation,
                                           const std::vector<int>& numbers) {
-    constexpr int kRounds = 3;
     if (numbers.empty()) return; // it allocates nothing
-    const auto measure = [&] {
-        if (operation.prepare) operation.prepare(); // also takes away what the last run made
-        return ProcessUsage(operation.countHandles || IsFullForm());
+    const auto prepare = [&] {   // also takes away what the last run made
+        if (operation.prepare) operation.prepare();
     };
-    bool grew = true;
-    ProcessUsage before = measure();
-    for (int round = 1; grew && round <= kRounds; ++round) {
+    prepare();
+    UsageOverTime usage({.committedBytes = 1}, operation.countHandles || IsFullForm());
+    usage.Repeat([&] {
         RunAll(operation, numbers, /*checked=*/false);
-        const ProcessUsage after = measure();
-        EXPECT_EQ(before.handles, after.handles) << operation.name;
-        grew = after.heapBytes > before.heapBytes || after.committedBytes > before.committedBytes;
-        EXPECT_FALSE(grew && round == kRounds)
-            << operation.name << ": memory grows from " << before.Text() << " to " << after.Text();
-        before = after;
-    }
+        prepare();
+    });
+    SCOPED_TRACE(operation.name);
+    usage.ExpectFlat();
 }
 
 void MemoryFaultTest::FailEachAllocation(const Operation& operation) {
