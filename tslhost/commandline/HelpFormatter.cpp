@@ -43,6 +43,17 @@ std::string CHelpFormatter::make_subcommand(const CLI::App* app) const {
     return out.str();
 }
 
+// As NAME TYPE=DEFAULT, whichever way the version of the library has.
+std::string CHelpFormatter::make_option_opts(const CLI::Option* option) const {
+    const std::string type = option->get_type_name();
+    if (type.empty()) return {}; // a flag
+    std::string text = " " + type;
+    if (const std::string value = option->get_default_str(); !value.empty()) text += "=" + value;
+    if (option->get_expected_max() == CLI::detail::expected_max_vector_size) text += " ...";
+    if (option->get_required()) text += " REQUIRED";
+    return text;
+}
+
 std::string CHelpFormatter::make_option_desc(const CLI::Option* option) const {
     return Wrap(option->get_description(), kWidth - get_column_width());
 }

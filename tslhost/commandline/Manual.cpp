@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "tslhost/commandline/HelpFormatter.h"
+
 namespace tsl {
 
 namespace {
@@ -94,10 +96,10 @@ private:
     static bool IsHelp(const CLI::Option& option) { return option.check_name("--help"); }
 
     // Its parts are not to be called from outside.
-    struct Formatter : CLI::Formatter {
-        using CLI::Formatter::make_option_name;
-        using CLI::Formatter::make_option_opts;
-        using CLI::Formatter::make_usage;
+    struct Formatter : CHelpFormatter {
+        using CHelpFormatter::make_option_name;
+        using CHelpFormatter::make_option_opts;
+        using CHelpFormatter::make_usage;
     };
     const CLI::App& m_app;
     Formatter m_formatter;
