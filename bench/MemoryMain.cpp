@@ -27,7 +27,8 @@ UINT32 g_made = 0;
 size_t g_most = 0;
 
 HRESULT CreateAndLook(REFIID iid, void** result) {
-    if (++g_made % kBetweenLooks == 0) g_most = std::max(g_most, test::AllocatedHeapBytes());
+    if (++g_made % kBetweenLooks == 0)
+        g_most = std::max(g_most, test::MemoryUsage::Now().heapBytes);
     return CreateParamContainer(iid, result);
 }
 
@@ -46,9 +47,9 @@ void Run() {
     host.Ask(kCommandQueryRecords, *arguments);
     g_made = 0;
     g_most = 0;
-    const size_t before = test::AllocatedHeapBytes();
+    const size_t before = test::MemoryUsage::Now().heapBytes;
     const CVariant answer = host.Ask(kCommandQueryRecords, *arguments);
-    const size_t after = test::AllocatedHeapBytes();
+    const size_t after = test::MemoryUsage::Now().heapBytes;
     std::cout << nlohmann::json{{"records", g_made},
                                 {"answer_bytes", after - before},
                                 {"most_bytes", std::max(g_most, after) - before}}

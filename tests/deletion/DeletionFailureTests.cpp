@@ -4,7 +4,7 @@
 #include "tests/deletion/DeletionFixture.h"
 #include "tests/support/EngineSleeps.h"
 #include "tests/support/Failures.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/ProcessMeasures.h"
 
 namespace tsl::test {
 

@@ -6,7 +6,7 @@
 #include "tests/engine_faults/FaultFixture.h"
 #include "tests/engine_faults/FaultSweep.h"
 #include "tests/support/FullForm.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/ProcessMeasures.h"
 
 namespace tsl::test {
 

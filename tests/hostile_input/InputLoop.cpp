@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 #include "tests/support/FullForm.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/UsageOverTime.h"
 
 namespace tsl::test {
 

@@ -4,8 +4,8 @@
 #include "component/host/CommandCodes.h"
 #include "tests/support/FullForm.h"
 #include "tests/support/PluginFixture.h"
-#include "tests/support/ProcessUsage.h"
 #include "tests/support/StoreChecks.h"
+#include "tests/support/UsageOverTime.h"
 
 namespace tsl::test {
 

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "tests/integration/Aftermath.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/ProcessMeasures.h"
 
 namespace tsl::test {
 

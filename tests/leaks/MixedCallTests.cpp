@@ -6,7 +6,7 @@
 #include "tests/content_move/PluginMoveFixture.h"
 #include "tests/query/SinkClass.h"
 #include "tests/support/FullForm.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/UsageOverTime.h"
 
 namespace tsl::test {
 

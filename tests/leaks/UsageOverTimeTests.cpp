@@ -1,5 +1,5 @@
 // The measure itself: it sees what is lost for good, and nothing else.
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/UsageOverTime.h"
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>

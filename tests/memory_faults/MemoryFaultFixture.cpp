@@ -7,7 +7,7 @@
 
 #include "files/UserIdList.h"
 #include "tests/support/FullForm.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/UsageOverTime.h"
 
 namespace tsl::test {
 

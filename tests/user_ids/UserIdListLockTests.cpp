@@ -7,7 +7,7 @@
 
 #include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
-#include "tests/support/ProcessUsage.h"
+#include "tests/support/ProcessMeasures.h"
 #include "tests/user_ids/UserIdListFixture.h"
 
 namespace tsl::test {
