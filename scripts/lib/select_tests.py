@@ -17,7 +17,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # What a change in these touches is everything.
-EVERYWHERE = ("cmake", "tests/support", "CMakeLists.txt", "CMakePresets.json", "engine")
+EVERYWHERE = ("cmake/", "tests/support/", "CMakeLists.txt", "CMakePresets.json", "engine/")
 TEST_MACRO = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", re.M)
 
 
@@ -68,11 +68,20 @@ def product_folders():
     }
 
 
-def with_dependents(changed):
-    includes = product_folders()
+def test_files():
+    """The files of the tests, without their endings, with those of them that each includes."""
+    included = re.compile(r'^#include "(tests/[\w/]+)\.h"', re.M)
+    files = {}
+    for path in sources("tests"):
+        name = str(path.relative_to(ROOT).with_suffix(""))
+        files.setdefault(name, set()).update(included.findall(path.read_text()))
+    return files
+
+
+def with_dependents(changed, includes):
     affected = set(changed)
     while True:
-        more = {folder for folder, needed in includes.items() if needed & affected} - affected
+        more = {each for each, needed in includes.items() if needed & affected} - affected
         if not more:
             return affected
         affected |= more
@@ -92,9 +101,10 @@ def by_folders(entries, folders):
 
 def by_changes(entries, files):
     if any(file.startswith(EVERYWHERE) for file in files):
-        return [entry for entry in entries if entry.covers]
-    tested = {pathlib.PurePath(file).parts[1] for file in files if re.match(r"tests/\w+/", file)}
-    affected = with_dependents(file.split("/")[0] for file in files if "/" in file)
+        return [entry for entry in entries if entry.folder != "package"]  # which wants the packages made
+    changed_tests = (file.rpartition(".")[0] or file for file in files if re.match(r"tests/\w+/", file))
+    tested = {file.split("/")[1] for file in with_dependents(changed_tests, test_files())}
+    affected = with_dependents((file.split("/")[0] for file in files if "/" in file), product_folders())
     chosen = [
         entry for entry in entries if entry.folder in tested or affected & set(entry.covers)
     ]

@@ -206,6 +206,20 @@ class SelectTests(unittest.TestCase):
         self.assertEqual(0, code)
         self.assertEqual("release release.store store_tests\n", output)
 
+    def test_changed_fixture_chooses_the_programs_that_include_it(self):
+        code, output = self.select("changed", "tests/query/QueryFixture.h")
+        self.assertEqual(0, code)
+        for program in ("query_tests", "engine_faults_tests"):
+            self.assertIn(program, output)
+        self.assertNotIn("store_tests", output)
+
+    def test_change_of_what_all_share_chooses_all_but_the_packages(self):
+        code, output = self.select("changed", "tests/support/StoreChecks.cpp")
+        self.assertEqual(0, code)
+        for entry in ("release.store ", "release.leaks ", "release.runner ", "release.day_of_use."):
+            self.assertIn(entry, output)
+        self.assertNotIn("release.package", output)
+
     def test_unknown_folder_is_named_with_what_there_is(self):
         code, output = self.select("folders", "sture")
         self.assertEqual(1, code)
