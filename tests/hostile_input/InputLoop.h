@@ -14,8 +14,8 @@ namespace tsl::test {
 
 UINT64 TestSeed();
 
-// The first tenth of the inputs warms the process up; one of the others at least must leave nothing
-// behind. Stops at the first failure.
+// The first tenth of the inputs warms the process up. Afterwards it is tried again and again, until
+// it leaves nothing behind. Stops at the first failure.
 void TryInputs(const std::string& name, size_t count,
                const std::function<void(Chance& chance, size_t input)>& tryInput);
 

@@ -12,14 +12,14 @@ namespace tsl::test {
 namespace {
 
 constexpr int kWarmUp = 500;
-const int kCalls = InForm(2'000, 10'000);
+const int kCalls = InForm(1'000, 10'000);
 // The same few rows are replaced over and over, so that the work does not grow.
 constexpr int kRecords = 50;
 constexpr int kCallsPerId = 10;
 
-// Eight bytes lost in every tenth call would be seen, and every handle.
+// A block lost in every tenth call would be seen, and every handle.
 void ExpectFlat(int calls, const std::function<void()>& round) {
-    UsageOverTime usage({.heapBytes = 8 * static_cast<size_t>(calls / kCallsPerId)});
+    UsageOverTime usage(SmallestLeak::OfBlocks(static_cast<size_t>(calls / kCallsPerId)));
     usage.Repeat(round);
     Measured("rounds of " + std::to_string(calls) + ": " + usage.ExpectFlat());
 }

@@ -141,10 +141,10 @@ private:
 };
 
 TEST_F(MixedCalls, LeaveNoHandleAndNoMemoryBehind) {
-    const int calls = InForm(2000, 100000);
+    const int calls = InForm(1000, 50000);
     ASSERT_NO_FATAL_FAILURE(Make(static_cast<int>(Kinds()) * 20));
-    // Eight bytes kept by each call of a single kind would be seen.
-    UsageOverTime usage({.heapBytes = 8 * static_cast<size_t>(calls) / Kinds(), .handles = 3});
+    // A block kept by each call of a single kind would be seen.
+    UsageOverTime usage(SmallestLeak::OfBlocks(static_cast<size_t>(calls) / Kinds()));
     usage.Repeat([&] { Make(calls); });
     ASSERT_FALSE(HasFatalFailure());
     Measured("rounds of " + std::to_string(calls) + " mixed calls: " + usage.ExpectFlat());

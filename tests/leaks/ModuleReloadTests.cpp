@@ -44,14 +44,14 @@ protected:
 
     void LiveOften(const char* name, bool runsOutOfMemory) {
         constexpr int kWarmUp = 10;
-        const int lives = InForm(50, 1000);
+        const int lives = InForm(25, 500);
         const auto live = [&](int count) {
             for (int life = 0; life < count; ++life)
                 ASSERT_NO_FATAL_FAILURE(Live(runsOutOfMemory));
         };
         ASSERT_NO_FATAL_FAILURE(live(kWarmUp));
         UsageOverTime usage(
-            {.heapBytes = kToleratedBytesPerLife * static_cast<size_t>(lives), .handles = 3});
+            {.heapBytes = kToleratedBytesPerLife * static_cast<size_t>(lives), .handles = 2});
         usage.Repeat([&] { live(lives); });
         ASSERT_FALSE(HasFatalFailure());
         Measured("rounds of " + std::to_string(lives) + " lives of the module" + name + ": " +

@@ -4,6 +4,9 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <vector>
+
 #include "base/Handle.h"
 
 namespace tsl::test {
@@ -25,7 +28,7 @@ void CallOften() {
 }
 
 void ExpectFlatOverTime(const std::function<void()>& round) {
-    UsageOverTime usage({.heapBytes = 8 * kCalls / kCallsPerLoss});
+    UsageOverTime usage(SmallestLeak::OfBlocks(kCalls / kCallsPerLoss));
     usage.Repeat(round);
     usage.ExpectFlat();
 }
@@ -57,17 +60,36 @@ TEST(UsageOverTime, SeesABlockOfEightBytesThatOneCallInTwentyFiveLoses) {
             if (call % kCallsPerLoss == 0) lost.push_back(LocalAlloc(LMEM_FIXED, 8));
         }
     };
-    EXPECT_NONFATAL_FAILURE(ExpectFlatOverTime(loseSome), "leaves memory behind");
+    EXPECT_NONFATAL_FAILURE(ExpectFlatOverTime(loseSome), "leave something behind");
     for (const HLOCAL block : lost)
         LocalFree(block);
 }
 
-TEST(UsageOverTime, SeesAHandleThatIsLeftOpen) {
+TEST(UsageOverTime, SeesABlockOfCppThatOneCallInTwentyFiveLoses) {
+    std::vector<std::unique_ptr<int>> lost;
+    lost.reserve(20 * kCalls / kCallsPerLoss);
+    const auto loseSome = [&] {
+        for (int call = 0; call < kCalls; ++call) {
+            Call(call);
+            if (call % kCallsPerLoss == 0) lost.push_back(std::make_unique<int>(call));
+        }
+    };
+    EXPECT_NONFATAL_FAILURE(ExpectFlatOverTime(loseSome), "leave something behind");
+}
+
+TEST(UsageOverTime, SeesAHandleThatIsOpenedOnce) {
     CHandle event;
     const auto openEvent = [&] {
-        if (!event.Get()) event = CHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        if (!event) event = CHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     };
     EXPECT_NONFATAL_FAILURE(ExpectFlatOverTime(openEvent), "handles are left open");
+}
+
+TEST(UsageOverTime, SeesAHandleThatEachRoundLosesWhereSomeAreTolerated) {
+    std::vector<CHandle> events;
+    UsageOverTime usage({.handles = 100});
+    usage.Repeat([&] { events.emplace_back(CreateEventW(nullptr, TRUE, FALSE, nullptr)); });
+    EXPECT_NONFATAL_FAILURE(usage.ExpectFlat(), "leave something behind");
 }
 
 } // namespace tsl::test

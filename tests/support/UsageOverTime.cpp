@@ -5,34 +5,41 @@
 namespace tsl::test {
 
 UsageOverTime::UsageOverTime(SmallestLeak smallest, bool countsHandles)
-    : m_smallest(smallest), m_countsHandles(countsHandles),
-      m_handles(countsHandles ? CountHandles() : 0) {}
+    : m_smallest(smallest), m_countsHandles(countsHandles) {
+    m_usages.reserve(32); // so that the list itself does not grow while it is measured
+    m_usages.push_back(Measure());
+}
 
 void UsageOverTime::Repeat(const std::function<void()>& round) {
-    constexpr int kMostRounds = 12;
-    while (!m_isFlat && m_rounds < kMostRounds && !::testing::Test::HasFatalFailure()) {
+    constexpr size_t kMostRounds = 12;
+    while (!IsFlat() && m_usages.size() <= kMostRounds && !::testing::Test::HasFatalFailure()) {
         round();
-        EndRound();
+        m_usages.push_back(Measure());
     }
 }
 
-void UsageOverTime::EndRound() {
-    const MemoryUsage before = m_last;
-    m_last = MemoryUsage::Now();
-    ++m_rounds;
-    if (m_last.heapBytes < before.heapBytes + m_smallest.heapBytes &&
-        m_last.committedBytes < before.committedBytes + m_smallest.committedBytes) {
-        m_isFlat = true;
-    }
+UsageOverTime::Usage UsageOverTime::Measure() const {
+    return {.memory = MemoryUsage::Now(), .handles = m_countsHandles ? CountHandles() : 0};
+}
+
+bool UsageOverTime::IsFlat() const {
+    if (m_usages.size() < 3) return false;
+    const Usage& before = m_usages[m_usages.size() - 3];
+    const Usage& after = m_usages.back();
+    return after.memory.heapBytes < before.memory.heapBytes + m_smallest.heapBytes &&
+           after.memory.committedBytes < before.memory.committedBytes + m_smallest.committedBytes &&
+           after.handles <= before.handles;
 }
 
 std::string UsageOverTime::ExpectFlat() const {
-    const int handles = m_countsHandles ? CountHandles() : 0;
-    const std::string text = "handles " + std::to_string(m_handles) + " before, " +
-                             std::to_string(handles) + " after; memory before: " + m_first.Text() +
-                             "; after " + std::to_string(m_rounds) + " rounds: " + m_last.Text();
-    EXPECT_TRUE(m_isFlat) << "each round leaves memory behind: " << text;
-    EXPECT_LT(handles, m_handles + m_smallest.handles) << "handles are left open";
+    const Usage& before = m_usages.front();
+    const Usage& after = m_usages.back();
+    const std::string text =
+        "handles " + std::to_string(before.handles) + " before, " + std::to_string(after.handles) +
+        " after; memory before: " + before.memory.Text() + "; after " +
+        std::to_string(m_usages.size() - 1) + " rounds: " + after.memory.Text();
+    EXPECT_TRUE(IsFlat()) << "rounds leave something behind: " << text;
+    EXPECT_LT(after.handles, before.handles + m_smallest.handles) << "handles are left open";
     return text;
 }
 
