@@ -82,6 +82,7 @@ void* operator new(std::size_t size) {
     return block;
 }
 void operator delete(void* block) noexcept {
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): this is the operator that frees it
     __real_free(block);
 }
 void operator delete(void* block, std::size_t) noexcept {
