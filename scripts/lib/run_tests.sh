@@ -25,15 +25,21 @@ check_lint() {
 }
 
 shell_scripts() {
-  git -C "$root" ls-files -z scripts tests packaging .ci |
-    (cd "$root" && xargs -0 grep -lE '^#!.*\bbash|^# (shellcheck shell=|Sourced by)' --)
+  tree_files scripts tests packaging .ci |
+    (cd "$root" && xargs grep -lE '^#!.*\bbash|^# (shellcheck shell=|Sourced by)' --)
 }
 
-# build_chosen: the targets of the lines that select_tests.py printed.
+# build_chosen: the targets of the lines that select_tests.py printed. The packages are a target of no build, and
+# what runs on the component of clang is built in the release build.
 build_chosen() {
   local chosen preset presets targets
   chosen=$(cat)
-  mapfile -t presets < <(cut -d ' ' -f 1 <<<"$chosen" | sort -u)
+  if grep -q ' packages$' <<<"$chosen"; then
+    "$root/scripts/package"
+    chosen=$(grep -v ' packages$' <<<"$chosen" || true)
+  fi
+  chosen=$(sed -n 's/^clang /release /p' <<<"$chosen" && echo "$chosen")
+  mapfile -t presets < <(awk 'NF && !seen[$1]++ { print $1 }' <<<"$chosen")
   for preset in "${presets[@]}"; do
     mapfile -t targets < <(awk -v preset="$preset" '$1 == preset { print $3 }' <<<"$chosen" | sort -u)
     "$root/scripts/build" "$preset" "${targets[@]}"

@@ -4,11 +4,14 @@ select_tests.py BUILD[,BUILD] folders FOLDER...    those that cover the folders
 select_tests.py BUILD[,BUILD] changed [FILE...]    those that cover the files' folders and the folders that
                                                    depend on them
 select_tests.py BUILD[,BUILD] match REGEX          those that may have a test whose full name,
-                                                   BUILD.FOLDER.Suite.Test, matches
-The builds must be configured. An empty selection is an error that names what there is.
+                                                   BUILD.PROGRAM.Suite.Test, matches
+The builds must be configured. An empty selection is an error that names what there is; of changed files that
+no test covers, the others notwithstanding, stderr tells.
 """
 
 import argparse
+import functools
+import itertools
 import json
 import pathlib
 import re
@@ -17,8 +20,11 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # What a change in these touches is everything.
-EVERYWHERE = ("cmake/", "tests/support/", "CMakeLists.txt", "CMakePresets.json", "engine/")
-TEST_MACRO = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", re.M)
+EVERYWHERE = (
+    "cmake/", "tests/support/", "tests/CMakeLists.txt", "CMakeLists.txt", "CMakePresets.json", "engine/", "examples/"
+)
+TEST_MACRO = re.compile(r"^TEST(_F|_P)?\((\w+),\s*(\w+)\)", re.M)
+INSTANTIATION = re.compile(r"^INSTANTIATE_TEST_SUITE_P\((\w*),\s*(\w+)", re.M)
 
 
 class Entry:
@@ -30,7 +36,8 @@ class Entry:
         self.folder = next(label for label in labels if label.startswith("tests/")).removeprefix("tests/")
         self.covers = [label for label in labels if not label.startswith("tests/")]
         programs = [word for word in described.get("command", []) if word.endswith(".exe")]
-        self.target = pathlib.PurePath(programs[0]).stem if programs else "all_tests"
+        target_of_scripts = {"package": "packages", "bench": "bench_programs"}.get(self.folder, "all_tests")
+        self.target = pathlib.PurePath(programs[0]).stem if programs else target_of_scripts
 
     def labels(self):
         return {self.folder, *self.covers}
@@ -100,18 +107,47 @@ def by_folders(entries, folders):
 
 
 def by_changes(entries, files):
-    if any(file.startswith(EVERYWHERE) for file in files):
-        return [entry for entry in entries if entry.folder != "package"]  # which wants the packages made
-    changed_tests = (file.rpartition(".")[0] or file for file in files if re.match(r"tests/\w+/", file))
-    tested = {file.split("/")[1] for file in with_dependents(changed_tests, test_files())}
-    affected = with_dependents((file.split("/")[0] for file in files if "/" in file), product_folders())
-    chosen = [
-        entry for entry in entries if entry.folder in tested or affected & set(entry.covers)
-    ]
+    if not files:
+        sys.exit(f"nothing differs from main; name a folder: {' '.join(known_folders(entries))}")
+    products, tests = product_folders(), test_files()
+
+    def covering(file):
+        if file.startswith(EVERYWHERE):
+            return [entry for entry in entries if entry.folder != "package"]  # for which all is packed first
+        if re.match(r"tests/\w+/", file):
+            stem = file.rpartition(".")[0] or file
+            tested = {each.split("/")[1] for each in with_dependents([stem], tests)}
+            return [entry for entry in entries if entry.folder in tested]
+        affected = with_dependents([file.split("/")[0]], products)
+        return [entry for entry in entries if affected & set(entry.covers)]
+
+    covered = {file: covering(file) for file in files}
+    chosen = [entry for entry in entries if any(entry in those for those in covered.values())]
     if not chosen:
-        told = f"no test covers what differs ({len(files)} files)" if files else "nothing differs from main"
-        sys.exit(f"{told}; name a folder: {' '.join(known_folders(entries))}")
+        sys.exit(
+            f"no test covers what differs: {' '.join(files)}; name a folder: {' '.join(known_folders(entries))}"
+        )
+    left = [file for file, those in covered.items() if not those]
+    if left:
+        print(f"no test covers: {' '.join(left)}", file=sys.stderr)
     return chosen
+
+
+@functools.cache
+def test_names(folder):
+    """The names of the folder's tests; the beginnings of those that have parameters, of which only the program
+    knows how they are called; and what they may be called: words in quotes, and numbers."""
+    text = "\n".join(path.read_text() for path in sources(f"tests/{folder}"))
+    found = TEST_MACRO.findall(text)
+    names = [f"{suite}.{test}" for kind, suite, test in found if kind != "_P"]
+    beginnings = [
+        f"{instance and instance + '/'}{suite}.{test}/"
+        for kind, suite, test in found
+        for instance, instantiated in INSTANTIATION.findall(text)
+        if kind == "_P" and instantiated == suite
+    ]
+    words = re.findall(r"\w+", " ".join(re.findall(r'"[^"\n]*"|\b\d+', text)))
+    return names, beginnings, set(words)
 
 
 def by_names(entries, pattern):
@@ -119,20 +155,21 @@ def by_names(entries, pattern):
         wanted = re.compile(pattern)
     except re.error as error:
         sys.exit(f"no regular expression: {pattern}: {error}")
+    # A name that was pasted ends with its parameter.
+    parameters = re.findall(r"\w+", pattern.rpartition("/")[2]) if "/" in pattern else []
 
     def may_match(entry):
-        folder = entry.folder
-        names = [
-            ".".join(found) for path in sources(f"tests/{folder}") for found in TEST_MACRO.findall(path.read_text())
-        ]
-        return wanted.search(entry.name) or any(
-            wanted.search(f"{entry.name.split('-')[0]}.{name}") for name in names
+        program = entry.name.split("-")[0]
+        names, beginnings, words = test_names(entry.folder)
+        full = itertools.chain(
+            names, (begin + word for begin in beginnings for word in words.union(parameters))
         )
+        return wanted.search(entry.name) or any(wanted.search(f"{program}.{name}") for name in full)
 
     chosen = [entry for entry in entries if may_match(entry)]
     if not chosen:
-        builds = sorted({entry.name.split("-")[0] for entry in entries})
-        sys.exit(f"no test matches {pattern}; its full name begins with one of: {' '.join(builds)}")
+        programs = sorted({entry.name.split("-")[0] for entry in entries})
+        sys.exit(f"no test matches {pattern}; its full name begins with one of: {' '.join(programs)}")
     return chosen
 
 

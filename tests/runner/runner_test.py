@@ -226,10 +226,29 @@ class SelectTests(unittest.TestCase):
         self.assertIn("sture", output)
         self.assertIn(" store ", output)
 
+    def test_change_of_examples_and_of_how_tests_are_built_chooses_all(self):
+        for file in ("examples/actions.jsonl", "tests/CMakeLists.txt"):
+            code, output = self.select("changed", file)
+            self.assertEqual(0, code)
+            for entry in ("release.store ", "release.leaks ", "release.day_of_use."):
+                self.assertIn(entry, output)
+
+    def test_package_and_its_test_choose_what_is_packed(self):
+        for words in (("folders", "package"), ("changed", "packaging/product.wxs.in"), ("match", "release.package")):
+            code, output = self.select(*words)
+            self.assertEqual(0, code)
+            self.assertRegex(output, r"\Arelease release\.package\.\S+ packages\n\Z")
+
     def test_change_that_no_test_covers_is_a_failure(self):
-        code, output = self.select("changed", "README.md")
+        code, output = self.select("changed", "README.md", "docs/testing.md")
         self.assertEqual(1, code)
-        self.assertIn("no test covers what differs", output)
+        self.assertIn("no test covers what differs: README.md docs/testing.md", output)
+
+    def test_change_that_no_test_covers_is_told_beside_others(self):
+        code, output = self.select("changed", "README.md", "tests/store/OpenTests.cpp")
+        self.assertEqual(0, code)
+        self.assertIn("release release.store store_tests\n", output)
+        self.assertIn("no test covers: README.md\n", output)
 
     def test_no_change_is_a_failure(self):
         code, output = self.select("changed")
@@ -241,6 +260,17 @@ class SelectTests(unittest.TestCase):
         self.assertEqual(0, code)
         self.assertIn("release release.files files_tests\n", output)
         self.assertNotIn("store_tests", output)
+
+    def test_name_with_a_parameter_chooses_the_programs_that_may_have_it(self):
+        for pattern in (
+            r"release\.dispatch\.Kind/NamesAndKinds\.DecideTheTables/4294967295$",
+            "NamesAndKinds.DecideTheTables/4$",
+            "NamesAndKinds.*16",
+        ):
+            code, output = self.select("match", pattern)
+            self.assertEqual(0, code, output)
+            self.assertIn("release release.dispatch dispatch_tests\n", output)
+            self.assertNotIn("store_tests", output)
 
     def test_unknown_name_and_bad_expression_are_told(self):
         self.assertIn("no test matches NoSuchTestAnywhere", self.select("match", "NoSuchTestAnywhere")[1])
