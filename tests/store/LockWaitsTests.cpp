@@ -7,7 +7,9 @@
 
 #include "base/NamedMutex.h"
 #include "tests/support/MutexHolder.h"
+#include "tests/support/StartedProgram.h"
 #include "tests/support/StoreChecks.h"
+#include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
 
@@ -43,6 +45,27 @@ TEST(LockWaits, TakeALockThatIsFree) {
     mutex.Acquire(50000);
     EXPECT_TRUE(mutex.IsHeld());
     EXPECT_FALSE(MutexIsFree(kWatchedLock));
+}
+
+TEST(MutexHolder, EndsWithTheProgramThatStartedIt) {
+    const auto hold = [](DWORD parent, const std::wstring& tag) {
+        return StartProgram(ProgramFolder() / L"hold_mutex.exe",
+                            std::wstring(L"\"") + kWatchedLock + L"\" " + tag + L" " +
+                                std::to_wstring(parent));
+    };
+    const auto named = [](const wchar_t* name) {
+        return CHandle(CreateEventW(nullptr, TRUE, FALSE, name));
+    };
+    const CHandle events[] = {named(L"hold_mutex_ready_first"), named(L"hold_mutex_release_first"),
+                              named(L"hold_mutex_ready_second"),
+                              named(L"hold_mutex_release_second")};
+    const StartedProgram first = hold(GetCurrentProcessId(), L"first");
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(events[0].Get(), 20000));
+    const StartedProgram second = hold(first.id, L"second");
+    EXPECT_EQ(DWORD{WAIT_TIMEOUT}, WaitForSingleObject(second.process.Get(), 200));
+    TerminateProcess(first.process.Get(), 1);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(second.process.Get(), 20000));
+    EXPECT_TRUE(MutexIsFree(kWatchedLock));
 }
 
 TEST(LockWaits, GiveAHeldLockUpAtOnceOrWaitForIt) {

@@ -71,6 +71,7 @@ std::vector<std::string> ImportHook::ImportedNames(HMODULE module) {
 }
 
 void* ImportHook::FindSlot(HMODULE module, const char* name) {
+    if (!module) throw std::runtime_error(std::string("no module is loaded that imports ") + name);
     void* const slot = SlotOf(module, name);
     if (!slot) throw std::runtime_error(std::string(name) + " is not imported");
     return slot;

@@ -18,7 +18,7 @@ public:
     template <class Function>
     ImportHook(const char* name, Function* replacement)
         : ImportHook(GetModuleHandleW(nullptr), name, replacement) {}
-    // In another module.
+    // In another module; null, as of one that is not loaded, throws too.
     template <class Function>
     ImportHook(HMODULE module, const char* name, Function* replacement)
         : m_slot(FindSlot(module, name)), m_original(ReadSlot(m_slot)) {

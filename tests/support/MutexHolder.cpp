@@ -25,8 +25,10 @@ MutexHolder::MutexHolder(const std::wstring& mutexName) {
     const CHandle ready = CreateNamedEvent(L"hold_mutex_ready_" + tag);
     m_release = CreateNamedEvent(L"hold_mutex_release_" + tag);
 
-    m_process =
-        StartProgram(ProgramFolder() / L"hold_mutex.exe", L"\"" + mutexName + L"\" " + tag).process;
+    m_process = StartProgram(ProgramFolder() / L"hold_mutex.exe",
+                             L"\"" + mutexName + L"\" " + tag + L" " +
+                                 std::to_wstring(GetCurrentProcessId()))
+                    .process;
     if (WaitForSingleObject(ready.Get(), kStartTimeoutMilliseconds) != WAIT_OBJECT_0) {
         Kill();
         throw std::runtime_error("hold_mutex.exe did not take the mutex");

@@ -8,7 +8,7 @@
 namespace tsl::test {
 
 // Starts hold_mutex.exe and waits until it owns the mutex. The process ends, giving the mutex back,
-// when this goes.
+// when this goes, and when the test program ends without that.
 class MutexHolder {
 public:
     // Throws std::runtime_error.
