@@ -3,7 +3,7 @@
 All tests of a shard share a process, unless --process-per-test is given. A process that dies or hangs
 costs the test that it was in; the tests behind it are run in another process. What failed is run once
 more alone, which tells a test that fails by itself from one that suffers from its neighbours; the shard
-has failed all the same.
+has failed all the same. What all of these processes printed is in one log.
 """
 
 import argparse
@@ -19,6 +19,7 @@ import xml.etree.ElementTree as xml
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build"
 LOADER = "/usr/lib/wine/wine64"
+CLEAR_LANE = ROOT / "scripts" / "lib" / "clear_lane"
 # Of a test's own output, so much is shown when it fails.
 SHOWN_LINES = 60
 
@@ -31,6 +32,7 @@ class Result:
     outcome: str  # passed, failed, skipped
     seconds: float = 0.0
     message: str = ""
+    is_test: bool = True  # else it tells of the program as a whole
 
 
 def environment(zone):
@@ -52,10 +54,32 @@ class Program:
     log: pathlib.Path
     settings: dict
     limit: float
+    notes: list = dataclasses.field(default_factory=list)
+    begin: int = 0  # of what the last process printed, in the log
 
-    def start(self, arguments, extra=None):
-        """Runs it with its output in the log. Returns the exit code, or None when a test hung."""
-        with open(self.log, "wb") as out:
+    def run(self, arguments, extra=None):
+        """Runs it with its output at the end of the log. Returns the exit code, or None when a test hung."""
+        exit_code = self._start(arguments, extra)
+        if exit_code != 0 and not self.output().strip() and not self.notes:
+            # Once in several thousand times Wine ends a program before its first instruction.
+            self.note("Wine ended the program before it began; it was started once more")
+            exit_code = self._start(arguments, extra)
+        return exit_code
+
+    def note(self, text):
+        """Told at the end, and in the log where it belongs."""
+        self.notes.append(text)
+        with open(self.log, "a") as log:
+            log.write(f"\nNOTE: {text}\n")
+
+    def clear_lane(self):
+        """Ends what it has left behind in its lane."""
+        if subprocess.run([CLEAR_LANE]).returncode != 0:
+            raise RuntimeError("what the program has left behind could not be ended")
+
+    def _start(self, arguments, extra):
+        with open(self.log, "ab") as out:
+            self.begin = out.tell()
             process = subprocess.Popen(
                 [LOADER, str(self.path), "--gtest_color=no", *arguments],
                 stdin=subprocess.DEVNULL,
@@ -73,7 +97,7 @@ class Program:
                 return process.wait(timeout=0.5)
             except subprocess.TimeoutExpired:
                 pass
-            marks = len(re.findall(rb"^\[ (?:RUN|      OK|  FAILED) ", self.log.read_bytes(), re.M))
+            marks = len(re.findall(r"^\[ +(?:RUN|OK|FAILED|SKIPPED) +\]", self.output(), re.M))
             if marks != seen:
                 seen, since = marks, time.monotonic()
             elif time.monotonic() - since > self.limit:
@@ -82,11 +106,15 @@ class Program:
                 return None
 
     def output(self):
-        return self.log.read_text(encoding="utf-8", errors="replace").replace("\r", "")
+        """What the last process printed."""
+        with open(self.log, "rb") as log:
+            log.seek(self.begin)
+            return log.read().decode("utf-8", errors="replace").replace("\r", "")
 
     def tests(self, pattern):
         """The full names of its tests."""
-        if self.start(["--gtest_list_tests", f"--gtest_filter={pattern}"]) != 0:
+        if self.run(["--gtest_list_tests", f"--gtest_filter={pattern}"]) != 0:
+            self.clear_lane()
             raise RuntimeError("the program does not list its tests:\n" + tail(self.output()))
         names, suite = [], ""
         for line in self.output().splitlines():
@@ -161,9 +189,10 @@ def from_output(output, exit_code):
     return results
 
 
-def folder_name(name):
-    """A ctest entry is named BUILD.FOLDER, with -NUMBER behind it when it is a shard."""
-    return name.split("-")[0]
+def full_name(entry, test):
+    """BUILD.PROGRAM.Suite.Test: an entry of ctest is named by the first two, with -PART behind them when it is
+    one of several."""
+    return f"{entry.split('-')[0]}.{test}"
 
 
 class Shard:
@@ -174,7 +203,6 @@ class Shard:
         self.arguments = arguments
         self.number, self.count = map(int, arguments.shard.split("/"))
         self.results = []
-        self.notes = []
 
     def run(self):
         if self.arguments.process_per_test or self.arguments.match:
@@ -190,26 +218,24 @@ class Shard:
 
     def _names(self):
         names = self.program.tests(self.arguments.filter)[self.number - 1 :: self.count]
-        folder = folder_name(self.arguments.name)
-        return [name for name in names if re.search(self.arguments.match or "", f"{folder}.{name}")]
+        entry = self.arguments.name
+        return [name for name in names if re.search(self.arguments.match or "", full_name(entry, name))]
 
     def _run(self, pattern, expected, sharding=None):
         """Runs the tests of the pattern until each has ended or was ended."""
         report = self.program.log.with_suffix(".gtest.xml")
         while True:
             report.unlink(missing_ok=True)
-            exit_code = self.program.start(self._flags(pattern, report), sharding)
+            exit_code = self.program.run(self._flags(pattern, report), sharding)
             output = self.program.output()
-            if exit_code != 0 and not output.strip() and not self.notes:
-                # Once in several thousand times Wine ends a program before its first instruction.
-                self.notes.append("Wine ended the program before it began; it was started once more")
-                continue
             results = from_xml(report, output)
             report.unlink(missing_ok=True)
+            if results is None or exit_code not in (0, 1):
+                self.program.clear_lane()
             if results is not None:
                 self.results += results
                 if results and exit_code != 0 and not any(each.outcome == "failed" for each in results):
-                    self.notes.append(f"all tests ended, but the program ended with exit code {exit_code}")
+                    self.program.note(f"all tests ended, but the program ended with exit code {exit_code}")
                     self.results[-1].outcome = "failed"
                     self.results[-1].message = tail(output)
                 return
@@ -219,15 +245,17 @@ class Shard:
                 raise RuntimeError(f"the program {end} before its first test\n{tail(output)}")
             self.results += results
             if results[-1].outcome != "failed":
-                self.notes.append(f"the program ended with exit code {exit_code} between two tests")
+                self.program.note(f"the program ended with exit code {exit_code} between two tests")
                 results[-1].outcome = "failed"
                 results[-1].message = tail(output)
             expected = self._names() if expected is None else expected
             done = {result.name for result in self.results}
-            expected = [name for name in expected if name not in done]
-            if not expected:
+            left = [name for name in expected if name not in done]
+            if left == expected:
+                raise RuntimeError(f"the program tells of none of its tests\n{tail(output)}")
+            if not left:
                 return
-            pattern, sharding = ":".join(expected), None
+            expected, pattern, sharding = left, ":".join(left), None
 
     def _flags(self, pattern, report):
         """In a file: a command line has room for some hundred names only."""
@@ -241,17 +269,17 @@ class Shard:
     def tell_failures(self):
         """Runs each failed test alone and says what it does then."""
         for failure in self.failures():
-            print(f"\nFAILED {self.arguments.name}: {failure.name}\n{tail(failure.message)}")
-            # With a log of its own: that of the shard stays to be read.
-            alone = Shard(
-                dataclasses.replace(self.program, log=self.program.log.with_suffix(".alone.log")), self.arguments
-            )
-            try:
-                alone._run(failure.name, [failure.name])
-                verdict = alone.results[0].outcome
-            except RuntimeError as error:
-                verdict = str(error)
-            print(f"alone: {verdict}")
+            print(f"\nFAILED {full_name(self.arguments.name, failure.name)}\n{tail(failure.message)}")
+            if failure.is_test:
+                print(f"alone: {self._alone(failure.name)}")
+
+    def _alone(self, test):
+        alone = Shard(self.program, self.arguments)
+        try:
+            alone._run(test, [test])
+        except RuntimeError as error:
+            return str(error)
+        return alone.results[0].outcome if alone.results else "not run"
 
 
 def write_report(path, name, results):
@@ -264,10 +292,8 @@ def write_report(path, name, results):
         time=f"{sum(result.seconds for result in results):.3f}",
     )
     for result in results:
-        group, _, test = result.name.rpartition(".")
-        case = xml.SubElement(
-            suite, "testcase", classname=f"{folder_name(name)}.{group}", name=test, time=f"{result.seconds:.3f}"
-        )
+        group, _, test = full_name(name, result.name).rpartition(".")
+        case = xml.SubElement(suite, "testcase", classname=group, name=test, time=f"{result.seconds:.3f}")
         if result.outcome != "passed":
             text = "".join(c for c in result.message if c >= " " or c == "\n")
             kind = "failure" if result.outcome == "failed" else "skipped"
@@ -294,20 +320,22 @@ def main():
     results = BUILD / "results"
     results.mkdir(parents=True, exist_ok=True)
     log = results / f"{arguments.name}.log"
+    log.unlink(missing_ok=True)
     program = Program(arguments.program, log, environment(arguments.zone), arguments.limit)
     shard = Shard(program, arguments)
     try:
         shard.run()
     except RuntimeError as error:
-        shard.results.append(Result(f"{arguments.program.stem}.Runs", "failed", 0.0, str(error)))
+        shard.results.append(Result(f"{arguments.program.stem}.Runs", "failed", 0.0, str(error), is_test=False))
     if arguments.no_skips:
         for result in shard.results:
             if result.outcome == "skipped":
                 result.outcome = "failed"
     if not shard.results and not arguments.match:
-        shard.results.append(Result(f"{arguments.program.stem}.HasTests", "failed", 0.0, "no test was run"))
+        name = f"{arguments.program.stem}.HasTests"
+        shard.results.append(Result(name, "failed", 0.0, "no test was run", is_test=False))
     write_report(results / f"{arguments.name}.xml", arguments.name, shard.results)
-    for note in shard.notes:
+    for note in program.notes:
         print(f"{arguments.name}: {note}")
     skipped = sum(result.outcome == "skipped" for result in shard.results)
     print(f"{len(shard.results)} tests, {len(shard.failures())} failed, {skipped} skipped")

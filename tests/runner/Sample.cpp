@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace {
 
@@ -13,6 +14,21 @@ class CEndsBadly {
 public:
     ~CEndsBadly() { _exit(7); }
 };
+
+// Where the file is there that SAMPLE_DIES_AT names: once, as if Wine had never begun with it.
+const bool g_lives = [] {
+    const char* const file = std::getenv("SAMPLE_DIES_AT");
+    if (file && DeleteFileA(file)) TerminateProcess(GetCurrentProcess(), 3);
+    return true;
+}();
+
+constexpr wchar_t kHanging[] = L"runner_sample_hangs";
+
+bool IsOneHanging() {
+    const HANDLE event = OpenEventW(SYNCHRONIZE, FALSE, kHanging);
+    if (event) CloseHandle(event);
+    return event != nullptr;
+}
 
 } // namespace
 
@@ -46,6 +62,7 @@ TEST_F(Sample, FSpeaksAndCrashes) {
 }
 
 TEST_F(Sample, GHangs) {
+    CreateEventW(nullptr, FALSE, FALSE, kHanging);
     Sleep(INFINITE);
 }
 
@@ -53,6 +70,32 @@ TEST_F(Sample, HPrintsWithoutEndingItsLine) {
     std::printf("half a line");
     std::fflush(stdout);
 }
+
+TEST_F(Sample, IDiesAndLeavesAProcess) {
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::wstring command = L"\"" + std::wstring(program) + L"\" --gtest_filter=*.GHangs";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES; // none: it prints nothing
+    PROCESS_INFORMATION started{};
+    ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                               nullptr, &startup, &started));
+    while (!IsOneHanging())
+        Sleep(10);
+    ExitProcess(0);
+}
+
+TEST_F(Sample, JFindsNoProcessThatHangs) {
+    EXPECT_FALSE(IsOneHanging());
+}
+
+class SampleOf : public ::testing::TestWithParam<int> {};
+
+TEST_P(SampleOf, Passes) {}
+
+INSTANTIATE_TEST_SUITE_P(Some, SampleOf, ::testing::Values(3, 4),
+                         [](const auto& number) { return "N" + std::to_string(number.param); });
 
 TEST_F(Sample, ZPassesAtTheEnd) {}
 

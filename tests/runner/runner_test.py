@@ -1,6 +1,7 @@
 """Tests of what runs the tests: run_program.py, test_summary.py and select_tests.py of scripts/lib, on the
 program that is named on the command line."""
 
+import os
 import pathlib
 import subprocess
 import sys
@@ -14,19 +15,24 @@ RESULTS = ROOT / "build" / "results"
 SAMPLE = None  # the program
 
 
-def run_script(name, *arguments):
+def run_script(name, *arguments, settings=None):
+    environment = {**os.environ, **(settings or {})}
+    environment.pop("TSL_TEST_MATCH", None)  # it chose this test
     done = subprocess.run(
-        [sys.executable, str(SCRIPTS / name), *map(str, arguments)], capture_output=True, text=True
+        [sys.executable, str(SCRIPTS / name), *map(str, arguments)],
+        capture_output=True,
+        text=True,
+        env=environment,
     )
     return done.returncode, done.stdout + done.stderr
 
 
 class RunProgram(unittest.TestCase):
-    def run_sample(self, pattern, *arguments):
+    def run_sample(self, pattern, *arguments, settings=None):
         """The exit code, what was printed, and how each test ended by its short name."""
         code, output = run_script(
             "run_program.py", "--name", "sample.runner", "--program", SAMPLE, "--filter", pattern,
-            "--limit", "3", *arguments
+            "--limit", "3", *arguments, settings=settings
         )
         report = RESULTS / "sample.runner.xml"
         outcomes = {}
@@ -49,10 +55,9 @@ class RunProgram(unittest.TestCase):
     def test_failed_test_is_named_with_its_words_and_run_alone(self):
         code, output, outcomes = self.run_sample("*.APasses:*.BFails")
         self.assertEqual(1, code)
-        self.assertIn("FAILED sample.runner: Sample.BFails", output)
+        self.assertIn("FAILED sample.runner.Sample.BFails\n", output)
         self.assertIn("as it should", output)
         self.assertIn("alone: failed", output)
-        self.assertIn("Sample.APasses", self.kept_log, "the log is that of the shard")
         self.assertEqual({"APasses": "passed", "BFails": "failure"}, outcomes)
 
     def test_test_that_passes_alone_is_told_so_and_has_failed(self):
@@ -110,10 +115,30 @@ class RunProgram(unittest.TestCase):
         self.assertIn("exit code 7", output)
         self.assertEqual({"IsBadAfterAllTestsHavePassed": "failure"}, outcomes)
 
+    def test_log_has_what_all_processes_printed(self):
+        self.run_sample("*.APasses:*.BFails:*.FSpeaks*:*.ZPasses*")
+        for words, times in (("OK ] Sample.APasses", 1), ("last words", 2), ("as it should", 2), ("OK ] Sample.ZPasses", 1)):
+            self.assertEqual(times, self.kept_log.count(words), f"{words} in {self.kept_log}")
+
+    def test_what_a_dead_test_leaves_behind_is_ended(self):
+        code, _, outcomes = self.run_sample("*.IDies*:*.JFinds*")
+        self.assertEqual(1, code)
+        self.assertEqual({"IDiesAndLeavesAProcess": "failure", "JFindsNoProcessThatHangs": "passed"}, outcomes)
+
+    def test_program_that_dies_before_it_begins_is_started_once_more_and_the_log_tells(self):
+        for way in ((), ("--process-per-test",)):  # which lists the tests first
+            with tempfile.NamedTemporaryFile(delete=False) as file:
+                code, output, outcomes = self.run_sample("*.APasses", *way, settings={"SAMPLE_DIES_AT": "Z:" + file.name})
+            self.assertEqual((0, {"APasses": "passed"}), (code, outcomes), output)
+            for told in (output, self.kept_log):
+                self.assertIn("it was started once more", told)
+
     def test_no_test_at_all_is_a_failure(self):
         code, output, _ = self.run_sample("Nothing.*")
         self.assertEqual(1, code)
         self.assertIn("no test was run", output)
+        self.assertNotIn("Traceback", output)
+        self.assertNotIn("alone", output)
 
     def test_skip_is_a_failure_where_none_is_allowed(self):
         code, _, outcomes = self.run_sample("*.DIsSkipped", "--no-skips")
@@ -133,6 +158,12 @@ class RunProgram(unittest.TestCase):
         code, _, outcomes = self.run_sample("Sample.*", "--match", r"^sample\.runner\.Sample\.[AZ]")
         self.assertEqual(0, code)
         self.assertEqual({"APasses": "passed", "ZPassesAtTheEnd": "passed"}, outcomes)
+
+
+    def test_match_finds_tests_with_parameters(self):
+        code, _, outcomes = self.run_sample("*", "--match", r"^sample\.runner\.Some/SampleOf\.Passes/N4$")
+        self.assertEqual(0, code)
+        self.assertEqual({"Passes/N4": "passed"}, outcomes)
 
 
 class Summary(unittest.TestCase):
