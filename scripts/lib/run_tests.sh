@@ -2,11 +2,12 @@
 # Sourced by scripts/test and scripts/check. Needs common.sh, wine.sh and lanes.sh.
 
 test_results=$build/results
+unset TSL_TEST_MATCH # of another run, it would leave tests out
 
 # check_format [FILE...]: all sources unless some are named.
 check_format() {
   local files=("$@")
-  [ $# -gt 0 ] || mapfile -t files < <(git -C "$root" ls-files '*.cpp' '*.h')
+  [ $# -gt 0 ] || mapfile -t files < <(tree_files '*.cpp' '*.h')
   [ ${#files[@]} -gt 0 ] || die "git names no source files to check the format of"
   (cd "$root" && clang-format-19 --dry-run --Werror "${files[@]}") ||
     die "the format differs; scripts/format mends it"
@@ -63,6 +64,7 @@ run_tests() {
     shift
   done
   shift || true
+  write_lanes_file
   printf 'subdirs(%s)\n' "${builds[*]}" >"$build/CTestTestfile.cmake"
   rm -rf "$test_results"
   mkdir -p "$test_results"
