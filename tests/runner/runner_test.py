@@ -117,8 +117,8 @@ class RunProgram(unittest.TestCase):
 
     def test_log_has_what_all_processes_printed(self):
         self.run_sample("*.APasses:*.BFails:*.FSpeaks*:*.ZPasses*")
-        for words, times in (("OK ] Sample.APasses", 1), ("last words", 2), ("as it should", 2), ("OK ] Sample.ZPasses", 1)):
-            self.assertEqual(times, self.kept_log.count(words), f"{words} in {self.kept_log}")
+        expected = {"OK ] Sample.APasses": 1, "as it should": 2, "last words": 2, "OK ] Sample.ZPasses": 1}
+        self.assertEqual(expected, {words: self.kept_log.count(words) for words in expected}, self.kept_log)
 
     def test_what_a_dead_test_leaves_behind_is_ended(self):
         code, _, outcomes = self.run_sample("*.IDies*:*.JFinds*")
@@ -128,7 +128,8 @@ class RunProgram(unittest.TestCase):
     def test_program_that_dies_before_it_begins_is_started_once_more_and_the_log_tells(self):
         for way in ((), ("--process-per-test",)):  # which lists the tests first
             with tempfile.NamedTemporaryFile(delete=False) as file:
-                code, output, outcomes = self.run_sample("*.APasses", *way, settings={"SAMPLE_DIES_AT": "Z:" + file.name})
+                settings = {"SAMPLE_DIES_AT": f"Z:{file.name}"}
+                code, output, outcomes = self.run_sample("*.APasses", *way, settings=settings)
             self.assertEqual((0, {"APasses": "passed"}), (code, outcomes), output)
             for told in (output, self.kept_log):
                 self.assertIn("it was started once more", told)
