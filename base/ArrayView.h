@@ -84,14 +84,16 @@ private:
     void* m_data = nullptr;
 };
 
-// True when the array is one-dimensional and its elements have the size of the type. Arrays of
-// pointers must be declared as such, and arrays of others must not be.
+// True when the array is one-dimensional, its elements have the size of the type, and its flags do
+// not say that they are something else. An array that was made without flags says nothing.
 inline bool ArrayHolds(SAFEARRAY* array, VARTYPE type, size_t elementSize) noexcept {
     if (SafeArrayGetDim(array) != 1 || SafeArrayGetElemsize(array) != elementSize) return false;
     const bool pointers = type == VT_BSTR || type == VT_UNKNOWN || type == VT_DISPATCH;
     const USHORT pointerFeatures = FADF_BSTR | FADF_UNKNOWN | FADF_DISPATCH | FADF_VARIANT;
-    if (!pointers) return (array->fFeatures & pointerFeatures) == 0;
-    return (array->fFeatures & (type == VT_BSTR ? FADF_BSTR : FADF_UNKNOWN)) != 0;
+    const USHORT declared = array->fFeatures & pointerFeatures;
+    // One that declares its type declares pointers, too.
+    if (declared == 0) return !pointers || (array->fFeatures & FADF_HAVEVARTYPE) == 0;
+    return pointers && (declared & (type == VT_BSTR ? FADF_BSTR : FADF_UNKNOWN)) != 0;
 }
 
 // The values of an array of T; E_INVALIDARG for any other array. An array that is null has none.

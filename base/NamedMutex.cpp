@@ -16,15 +16,15 @@ CHandle OpenSharedMutex(const wchar_t* name) noexcept {
 
 CNamedMutex::CNamedMutex(const wchar_t* name) noexcept : m_handle(OpenSharedMutex(name)) {}
 
-void CNamedMutex::Acquire(DWORD timeoutMilliseconds) noexcept {
-    if (m_held || !m_handle) return;
-    m_held = WaitForSingleObject(m_handle.Get(), timeoutMilliseconds) == WAIT_OBJECT_0;
+CMutexGuard::CMutexGuard(const CNamedMutex& mutex, DWORD timeoutMilliseconds) noexcept {
+    const HANDLE handle = mutex.Handle();
+    if (!handle) return;
+    if (WaitForSingleObject(handle, timeoutMilliseconds) == WAIT_OBJECT_0) m_held = handle;
 }
 
-void CNamedMutex::Release() noexcept {
-    if (!m_held) return;
-    ReleaseMutex(m_handle.Get());
-    m_held = false;
+void CMutexGuard::Release() noexcept {
+    if (m_held) ReleaseMutex(m_held);
+    m_held = nullptr;
 }
 
 } // namespace tsl

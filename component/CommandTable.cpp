@@ -13,13 +13,20 @@ namespace tsl {
 namespace {
 
 // An action without a container is none.
-HRESULT RecordAction(CActionLogStore& store, ITslParamContainer* container, VARIANT* /*result*/) {
-    return container ? DispatchAction(store, *container) : S_OK;
+HRESULT RecordAction(const CActionLogStore& store, const Target& target,
+                     ITslParamContainer* container, VARIANT* /*result*/) {
+    return container ? DispatchAction(store, target, *container) : S_OK;
 }
 
-HRESULT DeleteStoredRecords(CActionLogStore& store, ITslParamContainer* container,
-                            VARIANT* /*result*/) {
-    return DeleteRecords(store, container);
+// Ids come from a file, and are those of all tables.
+HRESULT IssueRecordId(const CActionLogStore& store, const Target& /*target*/,
+                      ITslParamContainer* container, VARIANT* result) {
+    return NextRecordId(store, container, result);
+}
+
+HRESULT DeleteStoredRecords(const CActionLogStore& store, const Target& target,
+                            ITslParamContainer* container, VARIANT* /*result*/) {
+    return DeleteRecords(store, target, container);
 }
 
 constexpr CommandMethod kNotify = CommandMethod::Notify;
@@ -28,7 +35,7 @@ constexpr CommandMethod kDelete = CommandMethod::Delete;
 
 constexpr Command kCommands[] = {
     {kNotify, kCommandRecordAction, kActionLogTable, false, RecordAction},
-    {kRequest, kCommandNextRecordId, kRecordIdTable, false, NextRecordId},
+    {kRequest, kCommandNextRecordId, kRecordIdTable, false, IssueRecordId},
     {kRequest, kCommandQueryIds, kActionLogTable, true, QueryRecordIds},
     {kRequest, kCommandQueryRecords, kActionLogTable, true, QueryRecords},
     {kRequest, kCommandQueryAllIds, kContentDeleteTable, true, QueryAllRecordIds},
@@ -45,12 +52,12 @@ const Command* FindCommand(CommandMethod method, UINT64 code) noexcept {
     return nullptr;
 }
 
-HRESULT RunCommand(const Command& command, CActionLogStore& store, IUnknown* parameters,
-                   VARIANT* result) {
-    store.SelectTable(kTablePrefix, command.tableName);
+HRESULT RunCommand(const Command& command, const CActionLogStore& store, UINT32 logKind,
+                   IUnknown* parameters, VARIANT* result) {
+    const Target target{kActionLogFileName, command.tableName, logKind};
     if (command.parametersRequired && !parameters) return E_POINTER;
     const auto container = QueryFor<ITslParamContainer>(parameters, IID_ITslParamContainer);
-    return command.operation(store, container.Get(), result);
+    return command.operation(store, target, container.Get(), result);
 }
 
 } // namespace tsl

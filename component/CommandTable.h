@@ -3,16 +3,17 @@
 
 #include "component/host/ITslParamContainer.h"
 #include "store/ActionLogStore.h"
+#include "store/Target.h"
 
 namespace tsl {
 
 // The interface method that a command arrives by.
 enum class CommandMethod { Notify, Request, Delete };
 
-// Carries a command out on the table that was selected for it. The container may be null, the
-// result is the caller's own pointer; the HRESULT goes back to the host.
-using CommandOperation = HRESULT (*)(CActionLogStore& store, ITslParamContainer* container,
-                                     VARIANT* result);
+// Carries a command out on its target. The container may be null, the result is the caller's own
+// pointer; the HRESULT goes back to the host.
+using CommandOperation = HRESULT (*)(const CActionLogStore& store, const Target& target,
+                                     ITslParamContainer* container, VARIANT* result);
 
 struct Command {
     CommandMethod method;
@@ -25,10 +26,11 @@ struct Command {
 // The row of a command; null for an unknown code.
 const Command* FindCommand(CommandMethod method, UINT64 code) noexcept;
 
-// Selects the command's table, takes the container out of the parameters and carries the command
-// out. E_POINTER for missing parameters where they are required; parameters that give no container
-// are passed on as none.
-HRESULT RunCommand(const Command& command, CActionLogStore& store, IUnknown* parameters,
-                   VARIANT* result);
+// Takes the container out of the parameters and carries the command out on its table, under the log
+// kind. E_POINTER for missing parameters where they are required; parameters that give no container
+// are passed on as none. Any number of threads may run commands on one store, and a host that is
+// called meanwhile may run others.
+HRESULT RunCommand(const Command& command, const CActionLogStore& store, UINT32 logKind,
+                   IUnknown* parameters, VARIANT* result);
 
 } // namespace tsl

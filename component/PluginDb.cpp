@@ -34,7 +34,7 @@ HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, IUnknown* param
     const Command* const command = FindCommand(method, commandCode);
     if (!command) return E_NOTIMPL;
     if (!m_store) return E_POINTER; // a host calls back while the object ends
-    return RunCommand(*command, *m_store, parameters, result);
+    return RunCommand(*command, *m_store, m_logKind, parameters, result);
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Notify(UINT64 commandCode, IUnknown* parameters) {
@@ -56,10 +56,15 @@ HRESULT STDMETHODCALLTYPE CPluginDb::Delete(UINT64 commandCode, IUnknown* parame
 
 HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
     return AtBoundary([&] {
-        if (host && host == m_host.Get()) return S_OK;
+        Lock();
+        const bool isHeld = host && host == m_host.Get();
+        Unlock();
+        if (isHeld) return S_OK;
         CComPtr<ITslHost> held = QueryFor<ITslHost>(host, IID_ITslHost);
-        // The old host is let go last: it may call back into this object.
+        Lock();
         m_host.Swap(held);
+        Unlock();
+        // The old host is let go last: it may call back into this object.
         return host ? S_OK : S_FALSE;
     });
 }
@@ -67,8 +72,8 @@ HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
 HRESULT STDMETHODCALLTYPE CPluginDb::SetRecordingEnabled(UINT32 flag) {
     return AtBoundary([&] {
         g_recordingSwitch = flag;
+        m_logKind = flag;
         if (!m_store) return S_OK; // a host calls back while the object ends
-        m_store->SetLogKind(flag);
         // What cannot be converted now is tried again next time.
         AtBoundary([&] { return MaintainStore(*m_store); });
         return S_OK;

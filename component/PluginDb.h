@@ -1,8 +1,10 @@
 // The plug-in object: what a host creates and drives. Each object has a store of its own; the
-// recording switch is one for the process. Threading model "Both": callable from any apartment, but
-// two threads that call one object at once disturb each other's table selection.
+// recording switch is one for the process. Threading model "Both": callable from any apartment, by
+// any number of threads at once, and by a host that is itself being called. Each call works on what
+// was so when it came in: its own table, and the log kind of the object at that moment.
 #pragma once
 
+#include <atomic>
 #include <optional>
 
 #include "base/ComPtr.h"
@@ -39,7 +41,11 @@ private:
     HRESULT Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters, VARIANT* result);
     static HRESULT DoNothing() noexcept { return S_OK; }
 
+    // There from the construction to the destruction.
     std::optional<CActionLogStore> m_store;
+    // The flag that this object was given last; 0 before that.
+    std::atomic<UINT32> m_logKind = 0;
+    // Under the object's lock, which is never held while the host is called.
     CComPtr<ITslHost> m_host;
 };
 

@@ -49,24 +49,30 @@ HRESULT Write(const OpenedTextFile& opened, const std::wstring& path, UINT32 cou
 }
 
 // A failed write is not always told.
-HRESULT CheckCounter(const std::wstring& path, UINT32 counter) {
+HRESULT CheckWritten(const CHandle& file, UINT32 counter) {
+    SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
+    const std::optional<std::wstring> text = ReadText(file);
     UINT32 written = ~counter;
-    const HRESULT read = ReadCounter(path, written);
-    if (FAILED(read)) return read;
-    return written == counter ? S_OK : HresultFromWin32(ERROR_WRITE_FAULT);
+    const bool whole = text && ParseLastLine(*text, written) && written == counter;
+    return whole ? S_OK : HresultFromWin32(ERROR_WRITE_FAULT);
 }
 
-// Moving a file into place does not bring what it holds to the disk.
-HRESULT Flush(const std::wstring& path) {
-    const CHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, /*shareMode=*/0,
-                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
-                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
-    return file && FlushFileBuffers(file.Get()) ? S_OK : HresultFromLastError();
-}
-
-HRESULT MoveOver(const std::wstring& from, const std::wstring& to) {
-    const DWORD flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    return MoveFileExW(from.c_str(), to.c_str(), flags) ? S_OK : HresultFromLastError();
+// Others look at files when these have just been made or closed, virus scanners first of all: what
+// they keep from being opened or moved is tried again, for a second.
+template <class Attempt>
+HRESULT Persistently(Attempt attempt) {
+    constexpr int kAttempts = 20;
+    constexpr DWORD kPauseMilliseconds = 50;
+    HRESULT result = attempt();
+    for (int made = 1; made < kAttempts; ++made) {
+        if (result != HresultFromWin32(ERROR_SHARING_VIOLATION) &&
+            result != HresultFromWin32(ERROR_ACCESS_DENIED)) {
+            break;
+        }
+        Sleep(kPauseMilliseconds);
+        result = attempt();
+    }
+    return result;
 }
 
 } // namespace
@@ -99,11 +105,19 @@ void RaiseCounter(const std::wstring& path, UINT32 counter) {
 
 HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter) {
     const std::wstring made = path + L".new";
-    HRESULT result = WriteCounter(made, counter);
-    if (SUCCEEDED(result)) result = CheckCounter(made, counter);
-    if (SUCCEEDED(result)) result = Flush(made);
-    if (SUCCEEDED(result)) result = MoveOver(made, path);
-    if (FAILED(result)) DeleteFileW(made.c_str());
+    OpenedTextFile opened;
+    // One handle for all of it: nobody else can come between.
+    HRESULT result = Persistently([&] {
+        opened = OpenTextFileToMove(made);
+        return opened.file ? S_OK : opened.status;
+    });
+    if (FAILED(result)) return result;
+    result = Write(opened, made, counter);
+    if (SUCCEEDED(result)) result = CheckWritten(opened.file, counter);
+    // Moving a file into place does not bring what it holds to the disk.
+    if (SUCCEEDED(result) && !FlushFileBuffers(opened.file.Get())) result = HresultFromLastError();
+    if (SUCCEEDED(result)) result = Persistently([&] { return MoveTextFile(opened.file, path); });
+    if (FAILED(result)) DiscardTextFile(opened.file);
     return result;
 }
 

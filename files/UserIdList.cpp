@@ -69,7 +69,7 @@ std::vector<UserIdEntry> ReadEntries(const std::wstring& path) {
 } // namespace
 
 bool LookUpOrAssignUserId(const std::wstring& sid, std::vector<UserIdEntry>& entries, UINT64& id) {
-    CNamedMutex mutex(kLoginInfoMutexName);
+    const CNamedMutex mutex(kLoginInfoMutexName);
     const CMutexGuard lock(mutex, INFINITE);
     const std::wstring folder = UserIdFolder();
     entries.clear();

@@ -1,5 +1,9 @@
 #include "files/Utf16TextFile.h"
 
+#include <cstddef>
+#include <cstring>
+#include <new>
+
 #include "base/Hresult.h"
 
 namespace tsl {
@@ -9,13 +13,13 @@ namespace {
 constexpr wchar_t kByteOrderMark = 0xFEFF;
 constexpr DWORD kByteOrderMarkSize = sizeof kByteOrderMark;
 
-OpenedTextFile Open(const std::wstring& path, DWORD access, DWORD disposition) {
+OpenedTextFile Open(const std::wstring& path, DWORD access, DWORD disposition, DWORD flags = 0) {
     OpenedTextFile opened;
     // The status is read after successes too, so an older error must not be taken for it.
     SetLastError(ERROR_SUCCESS);
     opened.file = CHandle(CreateFileW(path.c_str(), access, /*shareMode=*/0,
                                       /*securityAttributes=*/nullptr, disposition,
-                                      FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
+                                      FILE_ATTRIBUTE_NORMAL | flags, /*templateFile=*/nullptr));
     opened.status = HresultFromLastError();
     return opened;
 }
@@ -37,6 +41,30 @@ OpenedTextFile OpenTextFileForWriting(const std::wstring& path) {
 
 OpenedTextFile OpenTextFileForUpdate(const std::wstring& path) {
     return Open(path, GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING);
+}
+
+OpenedTextFile OpenTextFileToMove(const std::wstring& path) {
+    // Its move is on the disk when it is done.
+    return Open(path, GENERIC_READ | GENERIC_WRITE | DELETE, CREATE_ALWAYS,
+                FILE_FLAG_WRITE_THROUGH);
+}
+
+HRESULT MoveTextFile(const CHandle& file, const std::wstring& path) {
+    const size_t bytes = path.size() * sizeof(wchar_t);
+    std::vector<std::byte> room(sizeof(FILE_RENAME_INFO) + bytes);
+    auto* const request = new (room.data()) FILE_RENAME_INFO{};
+    request->ReplaceIfExists = TRUE;
+    request->FileNameLength = static_cast<DWORD>(bytes);
+    std::memcpy(room.data() + offsetof(FILE_RENAME_INFO, FileName), path.data(), bytes);
+    return SetFileInformationByHandle(file.Get(), FileRenameInfo, request,
+                                      static_cast<DWORD>(room.size()))
+               ? S_OK
+               : HresultFromLastError();
+}
+
+void DiscardTextFile(const CHandle& file) noexcept {
+    FILE_DISPOSITION_INFO request{TRUE};
+    SetFileInformationByHandle(file.Get(), FileDispositionInfo, &request, sizeof request);
 }
 
 std::optional<std::wstring> ReadText(const CHandle& file) {

@@ -29,6 +29,14 @@ OpenedTextFile OpenTextFileForWriting(const std::wstring& path);
 // The same, but for a file that is there.
 OpenedTextFile OpenTextFileForUpdate(const std::wstring& path);
 
+// Makes the file anew, to be moved over another one by MoveTextFile once it is whole.
+OpenedTextFile OpenTextFileToMove(const std::wstring& path);
+// Moves the opened file, over what is there. Readers find the old text or the new one. S_OK, or the
+// Win32 error with both files as they were.
+HRESULT MoveTextFile(const CHandle& file, const std::wstring& path);
+// Takes the opened file away when it is closed, as far as it can be.
+void DiscardTextFile(const CHandle& file) noexcept;
+
 // The text behind the byte order mark, or from the first byte where there is none. An odd last byte
 // is left out. None when it cannot be read.
 std::optional<std::wstring> ReadText(const CHandle& file);

@@ -6,8 +6,7 @@ namespace tsl {
 
 HRESULT CreateContainer(UINT64 commandCode, CComPtr<ITslParamContainer>& container) {
     CComPtr<ITslParamContainer> created;
-    HRESULT result = CoCreateInstance(CLSID_TslParamContainer, /*outer=*/nullptr, CLSCTX_ALL,
-                                      IID_ITslParamContainer, created.PutVoid());
+    HRESULT result = CreateHostObject(CLSID_TslParamContainer, IID_ITslParamContainer, created);
     if (SUCCEEDED(result)) result = created->SetCommandCode(commandCode);
     if (SUCCEEDED(result)) container = std::move(created);
     return result;

@@ -8,6 +8,22 @@
 
 namespace tsl {
 
+// Creates an object of a class of the host's. The failure of the creation; E_NOINTERFACE when the
+// class answers success and no object. The object is null then.
+template <class Interface>
+HRESULT CreateHostObject(REFCLSID clsid, REFIID iid, CComPtr<Interface>& object) {
+    CComPtr<Interface> created;
+    const HRESULT result =
+        CoCreateInstance(clsid, /*outer=*/nullptr, CLSCTX_ALL, iid, created.PutVoid());
+    if (FAILED(result)) {
+        created.Detach(); // what a failing class leaves behind is no reference
+        return result;
+    }
+    if (!created) return E_NOINTERFACE;
+    object = std::move(created);
+    return S_OK;
+}
+
 // Creates an empty container stamped with the command code. Failures of the creation and of the
 // stamping are returned unchanged; the container is null then.
 HRESULT CreateContainer(UINT64 commandCode, CComPtr<ITslParamContainer>& container);

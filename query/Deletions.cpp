@@ -1,20 +1,34 @@
 #include "query/Deletions.h"
 
+#include <functional>
+
 #include "component/host/ParamKeys.h"
 #include "query/ContainerValues.h"
 #include "query/RangeArguments.h"
 #include "store/Binder.h"
 #include "store/SqliteResult.h"
+#include "store/TargetSession.h"
 
 namespace tsl {
 
 namespace {
 
-// Prepares the statement, binds it by bind, and runs it. Returns the engine's result.
-template <class Bind>
-int RunDeletion(const CDatabase& database, const std::wstring& text, Bind bind) {
+// A deletion whose request has been read.
+struct Deletion {
+    // As ReadUserId answers. What is not S_OK is told after a failure to open, when file and table
+    // have come into being.
+    HRESULT userRead = S_OK;
+    // What the rows must meet besides being the user's, with a placeholder for each value bound.
+    std::wstring condition;
+    // Whether each failure of the database is told as E_POINTER.
+    bool hidesFailures = false;
+};
+
+int DeleteRows(const Target& target, const CDatabase& database, const Deletion& deletion,
+               const std::function<void(CBinder&)>& bind) {
     CStatement statement(database);
-    int result = statement.Prepare(text);
+    int result = statement.Prepare(L"DELETE FROM " + target.Table() + L" WHERE " + kUserIdColumn +
+                                   L" = ? AND " + deletion.condition);
     if (result == kSqliteOk) {
         CBinder binder(statement);
         bind(binder);
@@ -23,81 +37,84 @@ int RunDeletion(const CDatabase& database, const std::wstring& text, Bind bind) 
     return result == kSqliteOk ? statement.Run() : result;
 }
 
-std::wstring RangeText(const CActionLogStore& store, const wchar_t* rangeColumn) {
-    return L"DELETE FROM " + store.SelectedTable() + L" WHERE " + kUserIdColumn + L" = ? AND " +
-           kLogKindColumn + L" = ? AND " + rangeColumn + L" BETWEEN ? AND ?";
+HRESULT RunDeletion(const CActionLogStore& store, const Target& target, const Deletion& deletion,
+                    const std::function<void(CBinder&)>& bind) {
+    const auto told = [&](HRESULT failure) { return deletion.hidesFailures ? E_POINTER : failure; };
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+    CWriteSession session(store, target);
+    if (!session.IsOpen()) return told(session.Opened());
+    int result = session.Begun();
+    if (deletion.userRead != S_OK) {
+        session.End(result);
+        return SuccessAsOk(deletion.userRead);
+    }
+    if (result == kSqliteOk) result = DeleteRows(target, session.Database(), deletion, bind);
+    const HRESULT deleted = SqliteResultToHresult(session.End(result));
+    return FAILED(deleted) ? told(deleted) : S_OK;
+}
+
+std::wstring RangeOf(const wchar_t* column) {
+    return std::wstring(kLogKindColumn) + L" = ? AND " + column + L" BETWEEN ? AND ?";
 }
 
 // The user comes from the kind of log, never from the container.
-HRESULT DeleteOne(CActionLogStore& store, UINT64 recordId) {
+HRESULT DeleteOne(const CActionLogStore& store, const Target& target, UINT64 recordId) {
     if (!store.Engine()) return E_POINTER;
     // Before the lock is taken: finding the user may wait for another process.
     UINT32 userId = 0;
-    const HRESULT user = ImpliedUserId(store.LogKind(), userId);
+    const HRESULT user = ImpliedUserId(target.logKind, userId);
     if (FAILED(user)) return user;
-    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    CDatabase database;
-    const HRESULT opened = store.OpenSelected(&database);
-    if (FAILED(opened) || !database) return opened;
-    const int result = RunDeletion(
-        database,
-        L"DELETE FROM " + store.SelectedTable() + L" WHERE " + kUserIdColumn + L" = ? AND " +
-            kActionLogIdColumn + L" IN (?)",
-        [&](CBinder& binder) { binder.Integer(userId).Integer(static_cast<INT64>(recordId)); });
-    return SuccessAsOk(SqliteResultToHresult(result));
+    const Deletion deletion{.condition = std::wstring(kActionLogIdColumn) + L" IN (?)"};
+    return RunDeletion(store, target, deletion, [&](CBinder& binder) {
+        binder.Integer(userId).Integer(static_cast<INT64>(recordId));
+    });
 }
 
-HRESULT DeleteIdRange(CActionLogStore& store, ITslParamContainer& container) {
+HRESULT DeleteIdRange(const CActionLogStore& store, const Target& target,
+                      ITslParamContainer& container) {
     if (!store.Engine()) return E_POINTER;
     UINT32 first = kFirstRecordId;
     UINT32 last = kLastRecordId;
     ReadBound(container, kKeyFirstRecordId, first);
     ReadBound(container, kKeyLastRecordId, last);
-    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    CDatabase database;
-    if (FAILED(store.OpenSelected(&database)) || !database) return E_POINTER;
     UINT32 userId = 0;
-    const HRESULT user = ReadUserId(container, userId);
-    if (user != S_OK) return FAILED(user) ? user : S_OK;
-    const int result =
-        RunDeletion(database, RangeText(store, kActionLogIdColumn), [&](CBinder& binder) {
-            binder.Integer(userId).Integer(store.LogKind()).Integer(first).Integer(last);
-        });
-    return result == kSqliteOk ? S_OK : E_POINTER;
+    const Deletion deletion{.userRead = ReadUserId(container, userId),
+                            .condition = RangeOf(kActionLogIdColumn),
+                            .hidesFailures = true};
+    return RunDeletion(store, target, deletion, [&](CBinder& binder) {
+        binder.Integer(userId).Integer(target.logKind).Integer(first).Integer(last);
+    });
 }
 
-HRESULT DeleteTimeRange(CActionLogStore& store, ITslParamContainer& container) {
+HRESULT DeleteTimeRange(const CActionLogStore& store, const Target& target,
+                        ITslParamContainer& container) {
     if (!store.Engine()) return E_POINTER;
     DATE start = kEarliestTime;
     DATE end = kLatestTime;
     ReadBound(container, kKeyStartTime, start);
     const HRESULT endRead = ReadBound(container, kKeyEndTime, end);
     if (FAILED(endRead)) return endRead;
-    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    CDatabase database;
-    const HRESULT opened = store.OpenSelected(&database);
-    if (FAILED(opened) || !database) return opened;
     UINT32 userId = 0;
-    const HRESULT user = ReadUserId(container, userId);
-    if (user != S_OK) return FAILED(user) ? user : S_OK;
-    const int result =
-        RunDeletion(database, RangeText(store, kPluginLoggedTimeColumn), [&](CBinder& binder) {
-            binder.Integer(userId).Integer(store.LogKind()).Real(start).Real(end);
-        });
-    return SuccessAsOk(SqliteResultToHresult(result));
+    const Deletion deletion{.userRead = ReadUserId(container, userId),
+                            .condition = RangeOf(kPluginLoggedTimeColumn)};
+    return RunDeletion(store, target, deletion, [&](CBinder& binder) {
+        binder.Integer(userId).Integer(target.logKind).Real(start).Real(end);
+    });
 }
 
 } // namespace
 
-HRESULT DeleteRecords(CActionLogStore& store, ITslParamContainer* container) {
+HRESULT DeleteRecords(const CActionLogStore& store, const Target& target,
+                      ITslParamContainer* container) {
     if (!container) return E_INVALIDARG;
     const bool idRange = HasIdRangeKey(*container);
     CVariant recordId;
     if (container->GetValue(kKeyRecordToTake, recordId.Address()) == S_OK &&
         recordId.Type() == VT_UI8) {
-        return DeleteOne(store, recordId.Get().ullVal);
+        return DeleteOne(store, target, recordId.Get().ullVal);
     }
-    return idRange ? DeleteIdRange(store, *container) : DeleteTimeRange(store, *container);
+    return idRange ? DeleteIdRange(store, target, *container)
+                   : DeleteTimeRange(store, target, *container);
 }
 
 } // namespace tsl

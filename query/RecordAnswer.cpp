@@ -7,22 +7,29 @@
 
 namespace tsl {
 
-HRESULT AppendRecord(const CStatement& row, ContainerList& records) {
-    CComPtr<ITslParamContainer> record;
-    const HRESULT created = CreateContainer(kCommandQueryRecords, record);
+StoredRecord ReadStoredRecord(const CStatement& row) {
+    return {.recordId = static_cast<UINT32>(row.ColumnInt64(kActionLogIdIndex)),
+            .userId = static_cast<UINT32>(row.ColumnInt64(kUserIdIndex)),
+            .appId = static_cast<INT32>(row.ColumnInt64(kAppIdIndex)),
+            .name = CVariant::FromText(row.ColumnText(kActionNameIndex)),
+            .parameters = CVariant::FromText(row.ColumnText(kParametersIndex)),
+            .appLoggedTime = row.ColumnDouble(kAppLoggedTimeIndex)};
+}
+
+HRESULT AppendRecord(StoredRecord record, ContainerList& containers) {
+    CComPtr<ITslParamContainer> container;
+    const HRESULT created = CreateContainer(kCommandQueryRecords, container);
     if (FAILED(created)) return created;
-    const HRESULT filled =
-        CContainerFiller(*record.Get())
-            .Set(kKeyRecordFound, CVariant::FromBool(true))
-            .Set(kKeyRecordId,
-                 CVariant::FromUi4(static_cast<UINT32>(row.ColumnInt64(kActionLogIdIndex))))
-            .Set(kKeyUserId, CVariant::FromUi4(static_cast<UINT32>(row.ColumnInt64(kUserIdIndex))))
-            .Set(kKeyAppId, CVariant::FromI4(static_cast<INT32>(row.ColumnInt64(kAppIdIndex))))
-            .Set(kKeyActionName, CVariant::FromText(row.ColumnText(kActionNameIndex)))
-            .Set(kKeyParameterText, CVariant::FromText(row.ColumnText(kParametersIndex)))
-            .Set(kKeyActionTime, CVariant::FromDate(row.ColumnDouble(kAppLoggedTimeIndex)))
-            .Result();
-    if (SUCCEEDED(filled)) records.push_back(std::move(record));
+    const HRESULT filled = CContainerFiller(*container.Get())
+                               .Set(kKeyRecordFound, CVariant::FromBool(true))
+                               .Set(kKeyRecordId, CVariant::FromUi4(record.recordId))
+                               .Set(kKeyUserId, CVariant::FromUi4(record.userId))
+                               .Set(kKeyAppId, CVariant::FromI4(record.appId))
+                               .Set(kKeyActionName, std::move(record.name))
+                               .Set(kKeyParameterText, std::move(record.parameters))
+                               .Set(kKeyActionTime, CVariant::FromDate(record.appLoggedTime))
+                               .Result();
+    if (SUCCEEDED(filled)) containers.push_back(std::move(container));
     return filled;
 }
 

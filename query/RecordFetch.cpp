@@ -9,6 +9,7 @@
 #include "query/TakenRecord.h"
 #include "store/Binder.h"
 #include "store/SqliteResult.h"
+#include "store/TargetSession.h"
 
 namespace tsl {
 
@@ -56,13 +57,53 @@ UINT64 IdFromAnyValue(const VARIANT& value) noexcept {
     }
 }
 
-// Appends each row and keeps the first failure, so that an incomplete answer is never handed out.
-template <class Append>
-int CollectRows(CStatement& statement, ContainerList& records, HRESULT& status, Append append) {
-    return statement.ForEachRow([&] {
-        const HRESULT appended = append(statement, records);
-        if (SUCCEEDED(status)) status = appended;
-    });
+// Runs "SELECT * ... IN(...)" for the ids and calls onRow for each row. Returns the engine's
+// result; prepared tells whether it came to running it.
+template <class Id, class OnRow>
+int FetchRows(const Target& target, const CDatabase& database, std::span<const Id> ids,
+              bool& prepared, OnRow onRow) {
+    CStatement statement(database);
+    int status = statement.Prepare(IdListStatement(target.Table(), ids.size()));
+    prepared = status == kSqliteOk;
+    CBinder binder(statement);
+    if (prepared) {
+        for (const Id id : ids)
+            binder.Integer(static_cast<INT64>(id));
+        status = binder.Result();
+    }
+    return status == kSqliteOk ? statement.ForEachRow([&] { onRow(statement); }) : status;
+}
+
+// What the container gave for the ids to fetch.
+struct WantedIds {
+    HRESULT read;
+    CVariant value;
+    CArrayAccess access;
+    std::span<const ULONG> ids;
+};
+
+WantedIds ReadWantedIds(ITslParamContainer& container) {
+    WantedIds wanted;
+    wanted.read = container.GetValue(kKeyRecordIds, wanted.value.Address());
+    if (wanted.read == S_OK && SharesTypeBits(wanted.value.Type(), VT_UI4)) {
+        wanted.ids = IdsOf(wanted.value, wanted.access);
+    }
+    return wanted;
+}
+
+// S_OK; S_FALSE when no ids were wanted; else the failure.
+HRESULT FindRecords(const CActionLogStore& store, const Target& target, const WantedIds& wanted,
+                    std::vector<StoredRecord>& records) {
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+    const CReadSession session(store, target);
+    if (!session.IsOpen()) return session.Opened();
+    if (FAILED(wanted.read)) return wanted.read;
+    if (wanted.ids.empty()) return S_FALSE;
+    bool prepared = false;
+    const int status =
+        FetchRows(target, session.Database(), wanted.ids, prepared,
+                  [&](const CStatement& row) { records.push_back(ReadStoredRecord(row)); });
+    return SuccessAsOk(SqliteResultToHresult(status));
 }
 
 // Replaces what the result holds by the records, or by an empty VARIANT when there are none.
@@ -74,89 +115,90 @@ HRESULT HandOut(ContainerList records, VARIANT* result) {
 
 } // namespace
 
-HRESULT QueryRecords(CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
+HRESULT QueryRecords(const CActionLogStore& store, const Target& target,
+                     ITslParamContainer* container, VARIANT* result) {
     if (!store.Engine() || !container || !result) return E_POINTER;
-    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    CDatabase database;
-    const HRESULT opened = store.OpenSelected(&database);
-    if (FAILED(opened) || !database) return opened;
-    CVariant value;
-    const HRESULT read = container->GetValue(kKeyRecordIds, value.Address());
-    if (FAILED(read)) return read;
-    CArrayAccess access;
-    if (read != S_OK || !SharesTypeBits(value.Type(), VT_UI4)) return S_OK;
-    const std::span<const ULONG> ids = IdsOf(value, access);
-    if (ids.empty()) return S_OK;
-
-    CStatement statement(database);
-    int sqliteResult = statement.Prepare(IdListStatement(store.SelectedTable(), ids.size()));
-    CBinder binder(statement);
-    if (sqliteResult == kSqliteOk) {
-        for (const ULONG id : ids)
-            binder.Integer(id);
-        sqliteResult = binder.Result();
-    }
-    ContainerList records;
+    const WantedIds wanted = ReadWantedIds(*container);
+    std::vector<StoredRecord> records;
+    const HRESULT found = FindRecords(store, target, wanted, records);
+    if (found == S_FALSE) return S_OK;
+    if (FAILED(found)) return found;
+    // The first failure is kept, so that an incomplete answer is never handed out.
+    ContainerList containers;
     HRESULT status = S_OK;
-    if (sqliteResult == kSqliteOk) {
-        sqliteResult = CollectRows(statement, records, status, AppendRecord);
+    for (StoredRecord& record : records) {
+        const HRESULT appended = AppendRecord(std::move(record), containers);
+        if (SUCCEEDED(status)) status = appended;
     }
-    const HRESULT fetched = SqliteResultToHresult(sqliteResult);
-    if (FAILED(fetched)) return fetched;
-    if (FAILED(status)) return status;
-    return HandOut(std::move(records), result);
+    return FAILED(status) ? status : HandOut(std::move(containers), result);
 }
 
 namespace {
 
-// What a take found, and how the engine answered.
-struct Fetched {
-    int sqliteResult = kSqliteOk;
-    bool prepared = false;
-    HRESULT status = E_INVALIDARG;
-    ContainerList records;
+// The record to take, as the container gave it.
+struct WantedRecord {
+    HRESULT read;
+    bool isId = false;
+    UINT64 id = 0;
 };
 
-Fetched FetchForTake(const CActionLogStore& store, const CDatabase& database, UINT64 recordId) {
-    Fetched fetched;
-    CStatement statement(database);
-    fetched.sqliteResult = statement.Prepare(IdListStatement(store.SelectedTable(), 1));
-    if (fetched.sqliteResult != kSqliteOk) return fetched;
-    fetched.prepared = true;
-    fetched.sqliteResult = statement.BindInt64(1, static_cast<INT64>(recordId));
-    if (fetched.sqliteResult != kSqliteOk) return fetched;
-    bool undecodable = false;
-    fetched.sqliteResult = statement.ForEachRow([&] {
-        if (undecodable) return;
-        const HRESULT appended = AppendTakenRecord(statement, fetched.records);
-        undecodable = FAILED(appended);
-        if (appended != S_FALSE) fetched.status = appended;
-    });
-    return fetched;
+WantedRecord ReadWantedRecord(ITslParamContainer& container) {
+    WantedRecord wanted;
+    CVariant value;
+    wanted.read = container.GetValue(kKeyRecordToTake, value.Address());
+    wanted.isId = wanted.read == S_OK && SharesTypeBits(value.Type(), VT_UI8);
+    if (wanted.isId) wanted.id = IdFromAnyValue(value.Get());
+    return wanted;
+}
+
+// The stored parameters of the rows that have some, and how the engine answered.
+struct FoundToTake {
+    HRESULT result = S_OK; // of fetching; S_FALSE when no record was named
+    bool mayDelete = false;
+    std::vector<std::wstring> parameters;
+};
+
+FoundToTake FindToTake(const CActionLogStore& store, const Target& target,
+                       const WantedRecord& wanted) {
+    FoundToTake found;
+    const CReadSession session(store, target);
+    found.result = session.Opened();
+    if (!session.IsOpen()) return found;
+    found.result = FAILED(wanted.read) ? wanted.read : S_FALSE;
+    if (!wanted.isId) return found;
+    const int status = FetchRows(target, session.Database(), std::span(&wanted.id, 1),
+                                 found.mayDelete, [&](const CStatement& row) {
+                                     const wchar_t* const text = row.ColumnText(kParametersIndex);
+                                     if (text) found.parameters.emplace_back(text);
+                                 });
+    found.result = SuccessAsOk(SqliteResultToHresult(status));
+    return found;
+}
+
+// What cannot be decoded ends the walk; nothing is handed out then.
+void AnswerTaken(const std::vector<std::wstring>& parameters, VARIANT* result) {
+    ContainerList records;
+    HRESULT status = E_INVALIDARG;
+    for (const std::wstring& text : parameters) {
+        status = AppendTakenRecord(text, records);
+        if (FAILED(status)) return;
+    }
+    if (SUCCEEDED(status)) HandOut(std::move(records), result);
 }
 
 } // namespace
 
-HRESULT TakeRecord(CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
+HRESULT TakeRecord(const CActionLogStore& store, const Target& target,
+                   ITslParamContainer* container, VARIANT* result) {
     if (!store.Engine() || !container || !result) return E_POINTER;
-    CDatabase database;
-    const HRESULT opened = store.OpenSelected(&database);
-    if (FAILED(opened) || !database) return opened;
-    CVariant value;
-    const HRESULT read = container->GetValue(kKeyRecordToTake, value.Address());
-    if (FAILED(read)) return read;
-    if (read != S_OK || !SharesTypeBits(value.Type(), VT_UI8)) return S_OK;
-
-    Fetched fetched = FetchForTake(store, database, IdFromAnyValue(value.Get()));
-    if (!fetched.prepared) return SqliteResultToHresult(fetched.sqliteResult);
-    const HRESULT status = SqliteResultToHresult(fetched.sqliteResult);
-    if (SUCCEEDED(status) && SUCCEEDED(fetched.status)) {
-        HandOut(std::move(fetched.records), result);
-    }
-    database.Close();
+    const WantedRecord wanted = ReadWantedRecord(*container);
+    const FoundToTake found = FindToTake(store, target, wanted);
+    if (found.result == S_FALSE) return S_OK;
+    if (!found.mayDelete) return found.result;
+    if (SUCCEEDED(found.result)) AnswerTaken(found.parameters, result);
     // The record goes whether or not it could be fetched, and whatever comes of deleting it.
-    AtBoundary([&] { return DeleteRecords(store, container); });
-    return SuccessAsOk(status);
+    AtBoundary([&] { return DeleteRecords(store, target, container); });
+    return found.result;
 }
 
 } // namespace tsl

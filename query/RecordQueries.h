@@ -1,5 +1,6 @@
-// Answers the host's questions about stored records. Each operation works on the table that the
-// store has selected, opens the database for itself and takes the locks it needs.
+// Answers the host's questions about stored records. Each operation works on the table of its
+// target, reads what it wants from the container first, opens the database for itself and takes the
+// locks it needs; containers of the answer are made when all of that is closed and given back.
 //
 // All return E_POINTER without an engine, a result, or (but for the list of all ids) a container;
 // the failure of the open; S_OK without an answer when a required argument is missing or of another
@@ -8,6 +9,7 @@
 
 #include "component/host/ITslParamContainer.h"
 #include "store/ActionLogStore.h"
+#include "store/Target.h"
 
 namespace tsl {
 
@@ -18,17 +20,21 @@ namespace tsl {
 // below the range is raised, so that records to come have ids of the range. A range whose first id
 // is above its last is one across the wrap-around and goes by the times of its two records. The
 // time form takes no lock.
-HRESULT QueryRecordIds(CActionLogStore& store, ITslParamContainer* container, VARIANT* result);
+HRESULT QueryRecordIds(const CActionLogStore& store, const Target& target,
+                       ITslParamContainer* container, VARIANT* result);
 
 // The ids of all records of the current user. E_INVALIDARG when there are none. Takes no lock.
-HRESULT QueryAllRecordIds(CActionLogStore& store, ITslParamContainer* container, VARIANT* result);
+HRESULT QueryAllRecordIds(const CActionLogStore& store, const Target& target,
+                          ITslParamContainer* container, VARIANT* result);
 
 // Whole records by a list of ids; an empty VARIANT when there are none. Takes the SQLiteAccess
 // lock.
-HRESULT QueryRecords(CActionLogStore& store, ITslParamContainer* container, VARIANT* result);
+HRESULT QueryRecords(const CActionLogStore& store, const Target& target,
+                     ITslParamContainer* container, VARIANT* result);
 
 // One record by its id, which is then deleted, also when it could not be fetched; that failure, and
 // that there is no such record, leave the result untouched and are not reported.
-HRESULT TakeRecord(CActionLogStore& store, ITslParamContainer* container, VARIANT* result);
+HRESULT TakeRecord(const CActionLogStore& store, const Target& target,
+                   ITslParamContainer* container, VARIANT* result);
 
 } // namespace tsl

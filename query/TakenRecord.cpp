@@ -7,7 +7,6 @@
 #include "component/host/ParamKeys.h"
 #include "query/AnswerContainer.h"
 #include "query/ParameterDecoder.h"
-#include "store/Schema.h"
 
 namespace tsl {
 
@@ -22,10 +21,9 @@ struct TakenValues {
 // The taken item's text goes back to the host's content; its failures are the host's own business.
 void HandToSink(UINT64 itemId, const std::wstring& encodedText) {
     CComPtr<ITslContentPropertySink> sink;
-    const HRESULT created =
-        CoCreateInstance(CLSID_TslContentPropertySink, /*outer=*/nullptr, CLSCTX_ALL,
-                         IID_ITslContentPropertySink, sink.PutVoid());
-    if (FAILED(created)) return;
+    if (FAILED(CreateHostObject(CLSID_TslContentPropertySink, IID_ITslContentPropertySink, sink))) {
+        return;
+    }
     const CVariant text = CVariant::FromText(PercentDecode(encodedText));
     sink->PutText(itemId, text.Get().bstrVal);
 }
@@ -51,10 +49,7 @@ HRESULT Fill(ITslParamContainer& container, const TakenValues& values) {
 
 } // namespace
 
-HRESULT AppendTakenRecord(const CStatement& row, ContainerList& records) {
-    const wchar_t* const stored = row.ColumnText(kParametersIndex);
-    if (!stored) return S_FALSE;
-    const std::wstring parameters(stored);
+HRESULT AppendTakenRecord(const std::wstring& parameters, ContainerList& records) {
     TakenValues values;
     DecodeUllValues(parameters, values.ids);
     if (values.ids.size() < 2) return E_INVALIDARG;

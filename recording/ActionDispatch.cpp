@@ -14,33 +14,35 @@ namespace {
 
 // Keeps the action for whoever takes it later and records a copy of it. Returns the copy; null when
 // it could not be made.
-CComPtr<ITslParamContainer> RecordDeleteAction(CActionLogStore& store, ITslParamContainer& action) {
-    if (SUCCEEDED(store.SelectTable(kTablePrefix, kContentDeleteTable))) {
-        WriteActionRecord(store, &action);
-    }
-    const HRESULT selected = store.SelectTable(kTablePrefix, kActionLogTable);
+CComPtr<ITslParamContainer> RecordDeleteAction(const CActionLogStore& store, const Target& target,
+                                               ITslParamContainer& action) {
+    AtBoundary(
+        [&] { return WriteActionRecord(store, target.WithTable(kContentDeleteTable), &action); });
     CComPtr<ITslParamContainer> copy;
-    const HRESULT copied = CopyDeleteAction(action, copy);
-    if (SUCCEEDED(selected) && SUCCEEDED(copied)) WriteActionRecord(store, copy.Get());
+    AtBoundary([&] {
+        const HRESULT copied = CopyDeleteAction(action, copy);
+        return FAILED(copied) ? copied : WriteActionRecord(store, target, copy.Get());
+    });
     return copy;
 }
 
 } // namespace
 
-HRESULT DispatchAction(CActionLogStore& store, ITslParamContainer& action) {
+HRESULT DispatchAction(const CActionLogStore& store, const Target& target,
+                       ITslParamContainer& action) {
     const ActionName name = ReadActionName(action);
-    const UINT32 logKind = store.LogKind();
-    if (IsSettingReset(name.changed)) ResetUserRecords(store, &action);
-
-    CComPtr<ITslParamContainer> copy;
-    if (IsDeleteAction(name.text) && logKind == kLogKindOfKeptRecords) {
-        copy = RecordDeleteAction(store, action);
-    } else if (IsContentMove(name.changed)) {
-        MoveContent(store, action);
-    } else if (!IsExcludedFromActionLog(name.text, logKind)) {
-        WriteActionRecord(store, &action);
+    if (IsSettingReset(name.changed)) {
+        AtBoundary([&] { return ResetUserRecords(store, target, &action); });
     }
-    return WriteReplayRecord(store, action, copy ? *copy : action);
+    CComPtr<ITslParamContainer> copy;
+    if (IsDeleteAction(name.text) && target.logKind == kLogKindOfKeptRecords) {
+        copy = RecordDeleteAction(store, target, action);
+    } else if (IsContentMove(name.changed)) {
+        AtBoundary([&] { return MoveContent(store.ContentStore(), action); });
+    } else if (!IsExcludedFromActionLog(name.text, target.logKind)) {
+        AtBoundary([&] { return WriteActionRecord(store, target, &action); });
+    }
+    return WriteReplayRecord(store, target.logKind, action, copy ? *copy : action);
 }
 
 } // namespace tsl

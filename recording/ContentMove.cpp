@@ -1,6 +1,7 @@
 #include "recording/ContentMove.h"
 
 #include "component/host/Identities.h"
+#include "query/AnswerContainer.h"
 #include "recording/ContentProperties.h"
 #include "recording/ValueList.h"
 
@@ -20,12 +21,14 @@ ContentProperty MovedProperty(const ContentMove& move) {
     return property;
 }
 
-HRESULT CreateContentStore(CComPtr<ITslContentStore>& contentStore) {
-    CComPtr<ITslContentStore> created;
-    const HRESULT result = CoCreateInstance(CLSID_TslContentStore, /*outer=*/nullptr, CLSCTX_ALL,
-                                            IID_ITslContentStore, created.PutVoid());
-    if (SUCCEEDED(result)) contentStore = std::move(created);
-    return result;
+// The content store that is kept; created if there is none.
+HRESULT UseContentStore(CHostContentStore& kept, CComPtr<ITslContentStore>& contentStore) {
+    contentStore = kept.Get();
+    if (contentStore) return S_OK;
+    const HRESULT created =
+        CreateHostObject(CLSID_TslContentStore, IID_ITslContentStore, contentStore);
+    if (SUCCEEDED(created)) contentStore = kept.Keep(contentStore);
+    return created;
 }
 
 // What is no container of a property is left out.
@@ -65,7 +68,7 @@ void TakeTexts(std::span<const BSTR> list, BSTR (&texts)[2]) noexcept {
 
 } // namespace
 
-HRESULT MoveContent(CActionLogStore& store, ITslParamContainer& action) {
+HRESULT MoveContent(CHostContentStore& contentStore, ITslParamContainer& action) {
     CValueList<BSTR> oldTexts;
     CValueList<BSTR> newTexts;
     if (!oldTexts.ReadRequired(action, kKeyStringValues)) return E_INVALIDARG;
@@ -75,17 +78,15 @@ HRESULT MoveContent(CActionLogStore& store, ITslParamContainer& action) {
     ContentMove move{{}, {}, number.Get()};
     TakeTexts(oldTexts.Values(), move.oldTexts);
     TakeTexts(newTexts.Values(), move.newTexts);
-    return UpdateContentItems(store.ContentStore(), move);
+    return UpdateContentItems(contentStore, move);
 }
 
-HRESULT UpdateContentItems(CComPtr<ITslContentStore>& contentStore, const ContentMove& move) {
+HRESULT UpdateContentItems(CHostContentStore& contentStore, const ContentMove& move) {
     if (!HasAllTexts(move) || move.number.vt != VT_I4) return E_INVALIDARG;
-    if (!contentStore) {
-        const HRESULT created = CreateContentStore(contentStore);
-        if (FAILED(created)) return created;
-    }
-    // The host may call back and end what is kept.
-    const CComPtr<ITslContentStore> held = contentStore;
+    // With a reference of its own: the host may call back and end what is kept.
+    CComPtr<ITslContentStore> held;
+    const HRESULT used = UseContentStore(contentStore, held);
+    if (FAILED(used)) return used;
     CVariant found;
     const HRESULT asked = held->FindItems(move.oldTexts[0], found.Address());
     if (FAILED(asked)) return asked;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "component/host/ITslParamContainer.h"
-#include "store/ActionLogStore.h"
+#include "store/HostContentStore.h"
 
 namespace tsl {
 
@@ -17,7 +17,7 @@ struct ContentMove {
 // Reads the move from the action and carries it out. Works on the host's content items, not on the
 // action tables, and takes no lock. E_INVALIDARG for an action without two old texts, two new texts
 // and the number; else as below.
-HRESULT MoveContent(CActionLogStore& store, ITslParamContainer& action);
+HRESULT MoveContent(CHostContentStore& contentStore, ITslParamContainer& action);
 
 // Replaces, in every item of the first old text, the properties that match both old texts, and
 // writes all properties of each item back. The first text matches as words do (invariant locale,
@@ -27,6 +27,6 @@ HRESULT MoveContent(CActionLogStore& store, ITslParamContainer& action);
 // E_INVALIDARG for a missing text or a number that is not VT_I4; S_FALSE when the text has no
 // items; the failure of creating the content store; else the result of the last step, an item that
 // fails does not keep the next from being moved.
-HRESULT UpdateContentItems(CComPtr<ITslContentStore>& contentStore, const ContentMove& move);
+HRESULT UpdateContentItems(CHostContentStore& contentStore, const ContentMove& move);
 
 } // namespace tsl

@@ -45,7 +45,7 @@ HRESULT AppendLinkedItemValues(ITslParamContainer& container, LinkedItemValues& 
     if (!gathered.details.ReadRequired(*item, kKeyMoreStringValues)) return E_INVALIDARG;
     const std::span<const BSTR> details = gathered.details.Values();
     CValueList<ULONGLONG> ids;
-    if (!ids.ReadRequired(*item, kKeyUllValues)) return E_INVALIDARG;
+    if (!ids.ReadPresent(*item, kKeyUllValues)) return E_INVALIDARG;
     gathered.ids.assign(ids.Values().begin(), ids.Values().end());
 
     // Missing ids are padded to the number of details, missing details to the number of names; the

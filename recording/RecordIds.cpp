@@ -5,10 +5,16 @@
 #include "files/DataFolders.h"
 #include "files/TextActionLog.h"
 #include "query/AnswerContainer.h"
+#include "store/Maintenance.h"
 
 namespace tsl {
 
 namespace {
+
+HRESULT IssueRecordId(const CActionLogStore& store, UINT32& recordId) {
+    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
+    return AdvanceCounter(DbFolder() + kCounterFileName, recordId);
+}
 
 HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
     if (!result) return E_POINTER;
@@ -22,14 +28,13 @@ HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
 
 } // namespace
 
-HRESULT NextRecordId(CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
-    UINT32& counter = store.RecordIdCounter();
-    counter = 1;
+HRESULT NextRecordId(const CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
     if (!container) return E_POINTER;
-
-    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    const HRESULT advanced = AdvanceCounter(DbFolder() + kCounterFileName, counter);
-    return FAILED(advanced) ? advanced : AnswerRecordId(counter, result);
+    const HRESULT converted = ConvertBeforeFirstId(store);
+    if (FAILED(converted)) return converted;
+    UINT32 recordId = 1;
+    const HRESULT issued = IssueRecordId(store, recordId);
+    return FAILED(issued) ? issued : AnswerRecordId(recordId, result);
 }
 
 } // namespace tsl

@@ -1,5 +1,6 @@
 #include "recording/RecordWriter.h"
 
+#include <optional>
 #include <string>
 
 #include "query/ContainerValues.h"
@@ -8,6 +9,7 @@
 #include "store/Binder.h"
 #include "store/LatestRow.h"
 #include "store/SqliteResult.h"
+#include "store/TargetSession.h"
 
 namespace tsl {
 
@@ -20,9 +22,7 @@ struct ActionRecord {
     UINT32 userId = 0;
     CVariant name;
     std::wstring parameters;
-    DATE appLoggedTime = 0.0;
-    DATE pluginLoggedTime = 0.0;
-    UINT32 logKind = 0;
+    std::optional<DATE> appLoggedTime; // that of writing where the host gives none
 };
 
 DATE CurrentUtcTime() {
@@ -43,10 +43,9 @@ HRESULT ReadRecord(ITslParamContainer& container, UINT32 logKind, ActionRecord& 
     if (FAILED(result)) return result;
     if (record.name.Type() != VT_BSTR || record.recordId == 0) return S_FALSE;
 
-    record.pluginLoggedTime = CurrentUtcTime();
     result = ReadValue(container, kKeyActionTime, value);
     if (FAILED(result)) return result;
-    record.appLoggedTime = value.Type() == VT_DATE ? value.Get().date : record.pluginLoggedTime;
+    if (value.Type() == VT_DATE) record.appLoggedTime = value.Get().date;
 
     result = ReadValue(container, kKeyAppId, value);
     if (FAILED(result)) return result;
@@ -57,7 +56,6 @@ HRESULT ReadRecord(ITslParamContainer& container, UINT32 logKind, ActionRecord& 
     if (value.Type() != VT_UI4) return S_FALSE;
     record.userId = value.Get().ulVal;
 
-    record.logKind = logKind;
     result = BuildActionParameters(&container, record.parameters, logKind);
     return FAILED(result) ? result : S_OK;
 }
@@ -76,7 +74,7 @@ std::wstring ReplaceText(const std::wstring& table) {
     return text += L')';
 }
 
-int BindRow(CStatement& statement, const ActionRecord& record) {
+int BindRow(CStatement& statement, const ActionRecord& record, DATE now, UINT32 logKind) {
     constexpr INT64 kUsedLog = 0;
     constexpr double kPreLoggedTime = 0.0;
     constexpr const wchar_t* kNull = nullptr;
@@ -88,46 +86,43 @@ int BindRow(CStatement& statement, const ActionRecord& record) {
         .Integer(record.userId)
         .Text(record.name.Get().bstrVal) // a null name stays NULL
         .Text(record.parameters.c_str())
-        .Real(record.appLoggedTime)
-        .Real(record.pluginLoggedTime)
+        .Real(record.appLoggedTime.value_or(now))
+        .Real(now)
         .Text(kNull) // name of the action before
         .Text(kNull) // its parameters
         .Real(kPreLoggedTime)
-        .Integer(record.logKind)
+        .Integer(logKind)
         .Result();
 }
 
-int InsertRow(const CDatabase& database, const std::wstring& table, const ActionRecord& record) {
+int InsertRow(const CDatabase& database, const Target& target, const ActionRecord& record) {
     CStatement statement(database);
-    int result = statement.Prepare(ReplaceText(table));
-    if (result == kSqliteOk) result = BindRow(statement, record);
+    int result = statement.Prepare(ReplaceText(target.Table()));
+    // The time of recording is that of the lock, so that records have the order of their writing.
+    if (result == kSqliteOk) result = BindRow(statement, record, CurrentUtcTime(), target.logKind);
     return result == kSqliteOk ? statement.Run() : result;
-}
-
-// The older row goes and the new one comes together, or neither.
-int ReplaceRow(const CActionLogStore& store, const CDatabase& database,
-               const ActionRecord& record) {
-    CTransaction transaction(database);
-    int result = transaction.Begin();
-    if (result == kSqliteOk) result = RemoveOlderRows(store, database, record.recordId);
-    if (result == kSqliteOk) result = InsertRow(database, store.SelectedTable(), record);
-    return result == kSqliteOk ? transaction.Commit() : result;
 }
 
 } // namespace
 
-HRESULT WriteActionRecord(CActionLogStore& store, ITslParamContainer* container) {
-    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    CDatabase database;
-    const HRESULT opened = store.OpenSelected(&database);
-    if (FAILED(opened) || !database) return opened;
-    if (!container) return S_OK;
-
+HRESULT WriteActionRecord(const CActionLogStore& store, const Target& target,
+                          ITslParamContainer* container) {
+    if (!store.Engine()) return E_POINTER;
     ActionRecord record;
-    const HRESULT read = ReadRecord(*container, store.LogKind(), record);
-    if (FAILED(read)) return read;
-    if (read != S_OK) return S_OK;
-    return SuccessAsOk(SqliteResultToHresult(ReplaceRow(store, database, record)));
+    const HRESULT read = container ? ReadRecord(*container, target.logKind, record) : S_FALSE;
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+    CWriteSession session(store, target);
+    if (!session.IsOpen()) return session.Opened();
+    int result = session.Begun();
+    if (read != S_OK) {
+        session.End(result); // file and table come into being all the same
+        return SuccessAsOk(read);
+    }
+    // The older row goes and the new one comes together, or neither.
+    const CDatabase& database = session.Database();
+    if (result == kSqliteOk) result = RemoveOlderRows(target, database, record.recordId);
+    if (result == kSqliteOk) result = InsertRow(database, target, record);
+    return SuccessAsOk(SqliteResultToHresult(session.End(result)));
 }
 
 } // namespace tsl

@@ -9,7 +9,8 @@
 
 namespace tsl {
 
-HRESULT ResetUserRecords(CActionLogStore& store, ITslParamContainer* container) {
+HRESULT ResetUserRecords(const CActionLogStore& store, const Target& target,
+                         ITslParamContainer* container) {
     if (!container) return E_INVALIDARG;
     UINT32 userId = 0;
     const HRESULT read = ReadUserId(*container, userId);
@@ -22,7 +23,7 @@ HRESULT ResetUserRecords(CActionLogStore& store, ITslParamContainer* container) 
                  .Set(kKeyFirstRecordId, CVariant::FromUi4(0))
                  .Set(kKeyLastRecordId, CVariant::FromUi4(kLastRecordId))
                  .Result();
-    return FAILED(result) ? result : DeleteRecords(store, request.Get());
+    return FAILED(result) ? result : DeleteRecords(store, target, request.Get());
 }
 
 } // namespace tsl

@@ -22,6 +22,13 @@ public:
         return m_view.Open(*m_value.Address());
     }
 
+    // Reads a list that must be there, as above: an array, a single value or an empty one. False
+    // when it is not.
+    bool ReadPresent(ITslParamContainer& container, UINT64 key) {
+        return container.GetValue(key, m_value.Address()) == S_OK &&
+               SUCCEEDED(m_view.Open(*m_value.Address()));
+    }
+
     // Reads an array that must be there; false when it is not.
     bool ReadRequired(ITslParamContainer& container, UINT64 key) {
         return ReadValue(container, key, m_value) == S_OK && m_value.Type() != VT_EMPTY &&

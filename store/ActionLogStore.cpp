@@ -10,7 +10,7 @@ namespace {
 // Takes effect only in a new, empty file.
 constexpr wchar_t kPageSizeText[] = L"PRAGMA page_size = 2048;";
 
-std::unique_ptr<SqliteApi> LoadEngine(HMODULE module) {
+std::unique_ptr<const SqliteApi> LoadEngine(HMODULE module) {
     auto engine = std::make_unique<SqliteApi>();
     if (FAILED(engine->Load(module, /*initializeOnly=*/false))) engine.reset();
     return engine;
@@ -18,43 +18,24 @@ std::unique_ptr<SqliteApi> LoadEngine(HMODULE module) {
 
 } // namespace
 
-CActionLogStore::CActionLogStore(HMODULE module) {
-    m_engine = LoadEngine(module);
-}
-
-HRESULT CActionLogStore::SelectTable(std::wstring_view prefix, std::wstring_view name) {
-    m_prefix = prefix;
-    m_name = name;
-    m_table = TableName(prefix, name);
-    return S_OK;
-}
-
-std::wstring CActionLogStore::DatabaseName() const {
-    return m_databaseName.empty() ? kActionLogFileName : m_databaseName;
-}
+CActionLogStore::CActionLogStore(HMODULE module) : m_engine(LoadEngine(module)) {}
 
 HRESULT CActionLogStore::Open(const std::wstring& fileName, std::wstring_view prefix,
                               std::wstring_view name, CDatabase* database, TableShape shape,
-                              bool create) const {
+                              bool create, FileUse use) const {
     if (!database || !m_engine) return E_POINTER;
     database->Close();
     if (fileName.empty()) return E_INVALIDARG;
-    int result = database->Open(*m_engine, DbFolder() + fileName);
+    int result = database->Open(*m_engine, DbFolder() + fileName, use);
     if (result == kSqliteOk) result = ExecuteStatement(*database, kPageSizeText);
     const HRESULT opened = SqliteResultToHresult(result);
     if (FAILED(opened)) return opened;
     if (create) {
-        if (shape == TableShape::Action) {
-            CreateActionTable(m_engine.get(), *database, m_prefix, m_name);
-        } else {
-            CreateRecordIdTable(m_engine.get(), *database, prefix, name);
-        }
+        const auto createTable =
+            shape == TableShape::Action ? CreateActionTable : CreateRecordIdTable;
+        createTable(m_engine.get(), *database, prefix, name);
     }
     return S_OK;
-}
-
-HRESULT CActionLogStore::OpenSelected(CDatabase* database) const {
-    return Open(DatabaseName(), m_prefix, m_name, database, TableShape::Action, /*create=*/true);
 }
 
 } // namespace tsl

@@ -7,19 +7,26 @@ namespace tsl {
 namespace {
 
 // Queries that take no lock are in a file while others write it, and an operation whose wait for
-// the lock has timed out meets everyone. The engine then waits for its turn. An operation has two
-// statements that can wait: both together stay below the wait for the lock (3 s), so that whoever
-// waits here does not make others give up the lock. Engines older than 3.7.15 do not know the
-// statement and answer "busy" at once.
-constexpr wchar_t kBusyTimeoutText[] = L"PRAGMA busy_timeout = 1000";
+// the lock has timed out meets everyone. The engine then waits for its turn, this long each time.
+// Engines older than 3.7.15 do not know the statement and answer "busy" at once.
+CSqlText BusyTimeoutText(FileUse use) noexcept {
+    switch (use) {
+    case FileUse::Read:
+        return L"PRAGMA busy_timeout = 700";
+    case FileUse::Write:
+        return L"PRAGMA busy_timeout = 1400";
+    default:
+        return L"PRAGMA busy_timeout = 350";
+    }
+}
 
 } // namespace
 
-int CDatabase::Open(const SqliteApi& engine, const std::wstring& path) {
+int CDatabase::Open(const SqliteApi& engine, const std::wstring& path, FileUse use) {
     Close();
     m_engine = &engine;
     const int result = engine.Open(CUtf8Text(path).Get(), &m_connection);
-    if (result == kSqliteOk) ExecuteStatement(*this, kBusyTimeoutText);
+    if (result == kSqliteOk) ExecuteStatement(*this, BusyTimeoutText(use));
     return result;
 }
 

@@ -8,6 +8,15 @@
 
 namespace tsl {
 
+// What a connection is for decides how often its operation may have to wait for others who are in
+// the file: all its waits together stay below the wait for the lock (3 s), so that whoever waits
+// here does not make others give up the lock.
+enum class FileUse {
+    Read,    // four waits: for the schema, to make a missing table and to keep it, for the query
+    Write,   // two: to begin a transaction, and to commit it
+    Convert, // eight: statements that are no transaction
+};
+
 // Closes its connection when it goes.
 class CDatabase {
 public:
@@ -17,8 +26,8 @@ public:
     ~CDatabase() { Close(); }
 
     // Opens the file, closing what was open; the engine may give a connection also when it fails.
-    // Statements wait up to 1 s for others who are in the file. Returns the engine's result.
-    int Open(const SqliteApi& engine, const std::wstring& path);
+    // Returns the engine's result.
+    int Open(const SqliteApi& engine, const std::wstring& path, FileUse use = FileUse::Write);
     void Close() noexcept;
 
     // REQUIRES: Open was called.

@@ -1,16 +1,18 @@
 #include "store/LatestRow.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace tsl {
 
 namespace {
 
 // Each file has one table that its mark speaks of.
-bool SelectedTableHasMark(const CActionLogStore& store) {
-    const std::wstring file = store.DatabaseName();
-    return (file == kActionLogFileName && store.Name() == kActionLogTable) ||
-           (file == kReplayFileName && store.Name() == kReplayTable);
+bool TableHasMark(const Target& target) {
+    const std::wstring_view file = target.fileName;
+    const std::wstring_view table = target.tableName;
+    return (file == kActionLogFileName && table == kActionLogTable) ||
+           (file == kReplayFileName && table == kReplayTable);
 }
 
 // A file may come from an older version, or from an engine that cannot read integers.
@@ -41,9 +43,9 @@ int WriteMark(const CDatabase& database, UINT32 mark) {
 
 } // namespace
 
-int RemoveOlderRows(const CActionLogStore& store, const CDatabase& database, UINT32 recordId) {
-    const std::wstring& table = store.SelectedTable();
-    if (!SelectedTableHasMark(store)) return DeleteRows(database, table, recordId);
+int RemoveOlderRows(const Target& target, const CDatabase& database, UINT32 recordId) {
+    const std::wstring table = target.Table();
+    if (!TableHasMark(target)) return DeleteRows(database, table, recordId);
 
     if (!database.Engine().ReadsIntegers()) {
         const int deleted = DeleteRows(database, table, recordId);

@@ -5,13 +5,14 @@
 // nothing is searched. The mark costs nothing, as each write rewrites the header's page anyway.
 #pragma once
 
-#include "store/ActionLogStore.h"
+#include "store/Database.h"
+#include "store/Target.h"
 
 namespace tsl {
 
-// Removes the rows of the id from the store's selected table and raises the mark to the id. Returns
+// Removes the rows of the id from the target's table and raises the mark to the id. Returns
 // the engine's result. REQUIRES: an open transaction on the database; when the row is not written
 // after all, that transaction is rolled back.
-int RemoveOlderRows(const CActionLogStore& store, const CDatabase& database, UINT32 recordId);
+int RemoveOlderRows(const Target& target, const CDatabase& database, UINT32 recordId);
 
 } // namespace tsl

@@ -40,32 +40,73 @@ int ReadLastId(const CDatabase& database, const std::wstring& table, UINT32& las
     return result;
 }
 
-HRESULT Convert(CActionLogStore& store, const CDatabase& database) {
-    int result = SetLogKinds(database, store.SelectedTable());
-    store.SelectTable(kTablePrefix, kRecordIdTable);
+// The table that holds the records, and the one that held the last id.
+std::wstring ActionTable() {
+    return TableName(kTablePrefix, kActionLogTable);
+}
+std::wstring OldIdTable() {
+    return TableName(kTablePrefix, kRecordIdTable);
+}
+
+HRESULT Open(const CActionLogStore& store, CDatabase& database) {
+    return store.Open(kActionLogFileName, kTablePrefix, kActionLogTable, &database,
+                      TableShape::RecordId, /*create=*/false, FileUse::Convert);
+}
+
+HRESULT Convert(const CActionLogStore& store, const CDatabase& database) {
+    int result = SetLogKinds(database, ActionTable());
     if (result != kSqliteOk) return SqliteResultToHresult(result);
     UINT32 lastId = 0;
-    result = ReadLastId(database, store.SelectedTable(), lastId);
+    result = ReadLastId(database, OldIdTable(), lastId);
     if (result != kSqliteOk) return SqliteResultToHresult(result);
     // The first id handed out is one above this, so the ids of old and new records have a gap.
     const HRESULT seeded = SeedCounter(store, lastId + 1);
     if (FAILED(seeded)) return seeded;
-    result = ExecuteStatement(database, L"DROP TABLE IF EXISTS " + store.SelectedTable());
+    result = ExecuteStatement(database, L"DROP TABLE IF EXISTS " + OldIdTable());
     return SuccessAsOk(SqliteResultToHresult(result));
+}
+
+// The engine's result of looking for records with a last id: SQLITE_OK when there are such.
+int FindOldIds(const CDatabase& database) {
+    UINT32 lastId = 0;
+    const int result = ReadLastId(database, OldIdTable(), lastId);
+    if (result != kSqliteOk) return result;
+    CStatement records(database);
+    return records.Prepare(L"SELECT * FROM " + ActionTable());
+}
+
+// Whether the engine says that there is no such table, no such row, or no database at all.
+bool MeansNone(int result) noexcept {
+    constexpr int kCorrupt = 11;
+    constexpr int kNotADatabase = 26;
+    return result == kSqliteError || result == kSqliteDone || result == kCorrupt ||
+           result == kNotADatabase;
 }
 
 } // namespace
 
-HRESULT MaintainStore(CActionLogStore& store) {
-    store.SelectTable(kTablePrefix, kActionLogTable);
+HRESULT MaintainStore(const CActionLogStore& store) {
     if (IsConverted()) return E_FAIL;
     const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
     // Another process may have converted the store during the wait.
     if (IsConverted()) return E_FAIL;
     CDatabase database;
-    const HRESULT opened = store.Open(store.DatabaseName(), store.Prefix(), store.Name(), &database,
-                                      TableShape::RecordId, /*create=*/false);
+    const HRESULT opened = Open(store, database);
     return FAILED(opened) || !database ? opened : Convert(store, database);
+}
+
+HRESULT ConvertBeforeFirstId(const CActionLogStore& store) {
+    if (IsConverted() || !store.Engine()) return S_OK;
+    // Looking must not make a database.
+    if (!FileExists(DbFolder() + kActionLogFileName)) return S_OK;
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+    if (IsConverted()) return S_OK;
+    CDatabase database;
+    const HRESULT opened = Open(store, database);
+    if (FAILED(opened) || !database) return opened;
+    const int found = FindOldIds(database);
+    if (MeansNone(found)) return S_OK;
+    return found == kSqliteOk ? Convert(store, database) : SqliteResultToHresult(found);
 }
 
 } // namespace tsl

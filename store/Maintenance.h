@@ -11,10 +11,17 @@ namespace tsl {
 // After a failure before it is written the next call does it all again; after one behind it the old
 // table stays.
 //
-// Takes the SQLiteAccess lock, and the LogId lock inside it. Leaves the action log table or the old
-// table selected. S_OK after a conversion; E_FAIL for a store that needs none; E_POINTER without an
-// engine; else the failure of the open, of the engine (0x80041600 for a store without records,
-// 0x80041701 for one without a last id) or of writing the counter file.
-HRESULT MaintainStore(CActionLogStore& store);
+// Takes the SQLiteAccess lock, and the LogId lock inside it. S_OK after a conversion; E_FAIL for a
+// store that needs none; E_POINTER without an engine; else the failure of the open, of the engine
+// (0x80041600 for a store without records, 0x80041701 for one without a last id) or of writing the
+// counter file.
+HRESULT MaintainStore(const CActionLogStore& store);
+
+// Before the first id is handed out where there is no counter file: converts a store of the older
+// form that could not be converted until now, so that its ids do not begin anew. Takes the same
+// locks, and none where there is a counter file. S_OK when ids may be handed out; else the failure
+// of looking at the store or of the conversion. What is no database has no ids, and an engine that
+// is missing cannot tell.
+HRESULT ConvertBeforeFirstId(const CActionLogStore& store);
 
 } // namespace tsl

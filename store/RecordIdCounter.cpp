@@ -5,22 +5,15 @@
 
 namespace tsl {
 
-HRESULT ReadCounterUnderLock(CActionLogStore& store, UINT32& counter) {
-    counter = 1;
+void RaiseCounterForFirstId(const CActionLogStore& store, UINT32 firstId) {
     const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    return ReadCounter(DbFolder() + kCounterFileName, counter);
+    const std::wstring path = DbFolder() + kCounterFileName;
+    UINT32 counter = 1;
+    ReadCounter(path, counter);
+    if (counter < firstId) RaiseCounter(path, firstId - 1);
 }
 
-void RaiseCounterForFirstId(CActionLogStore& store, UINT32 firstId) {
-    UINT32 counter = 0;
-    ReadCounterUnderLock(store, counter);
-    if (counter >= firstId) return;
-
-    const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    RaiseCounter(DbFolder() + kCounterFileName, firstId - 1);
-}
-
-HRESULT SeedCounter(CActionLogStore& store, UINT32 counter) {
+HRESULT SeedCounter(const CActionLogStore& store, UINT32 counter) {
     const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
     const std::wstring path = DbFolder() + kCounterFileName;
     UINT32 present = 0;
