@@ -5,6 +5,7 @@
 #include "component/host/Identities.h"
 #include "console/ParamContainer.h"
 #include "console/Text.h"
+#include "tests/support/Containers.h"
 
 namespace tsl::test {
 
@@ -182,6 +183,7 @@ struct CallingHost::Classes {
 };
 
 CallingHost::CallingHost() : m_classes(std::make_shared<Classes>(*this)) {
+    contentStore.Hold(7, {ContainerBuilder().Text(kKeyPropertyFirstText, L"old one").Get().Get()});
     contentStore.onCall = [this] {
         const wchar_t first = contentStore.calls.back().front();
         Enter(first == L'f'   ? HostMethod::FindItems
@@ -212,11 +214,9 @@ HRESULT CallingHost::CreateContainer(REFIID iid, void** result) {
 std::string AnswerText(const VARIANT& answer) {
     if (answer.vt == VT_EMPTY) return "nothing";
     if (answer.vt == VT_UNKNOWN) return ContainerText(answer.punkVal);
-    CVariant held;
+    VARIANT shared = answer; // a view only reads it
     CValueView<IUnknown*> list;
-    if (FAILED(VariantCopy(held.Address(), &answer)) || FAILED(list.Open(*held.Address()))) {
-        return ValueText(answer);
-    }
+    if (FAILED(list.Open(shared))) return ValueText(answer);
     std::string text = std::to_string(list.Values().size()) + ":";
     for (IUnknown* const container : list.Values())
         text += " " + ContainerText(container);

@@ -3,10 +3,11 @@
 #pragma once
 
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 
 #include "component/host/ITslHost.h"
+#include "console/ParamContainer.h"
 #include "tests/support/ContentStoreDouble.h"
 #include "tests/support/HostContainers.h"
 

@@ -20,8 +20,7 @@ protected:
         m_com.emplace();
         m_host = std::make_unique<CallingHost>();
         m_library.emplace((ProgramFolder() / L"TslIfDbActionLog.dll").wstring());
-        m_plugin = m_library->CreatePlugin();
-        ASSERT_EQ(S_OK, m_plugin->SetRecordingEnabled(1));
+        RenewPlugin();
         ASSERT_NO_FATAL_FAILURE(RecordBaseStore(*m_plugin));
     }
     void TearDown() override {
@@ -39,11 +38,13 @@ protected:
 
     CallingHost& Host() { return *m_host; }
     ITslPluginDb2& Plugin() { return *m_plugin; }
+    // Another object under log kind 1, which keeps nothing of the host's yet.
     CComPtr<ITslPluginDb2> AnotherPlugin() {
         CComPtr<ITslPluginDb2> made = m_library->CreatePlugin();
         EXPECT_EQ(S_OK, made->SetRecordingEnabled(1));
         return made;
     }
+    void RenewPlugin() { m_plugin = AnotherPlugin(); }
 
     // The command with an argument whose methods call back, or with a plain one.
     std::string CallByHost(const HostCommand& command, ITslPluginDb2& plugin, Turn turn) {

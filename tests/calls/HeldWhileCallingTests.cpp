@@ -70,7 +70,8 @@ TEST_F(HeldWhileCalling, NothingIsInAnyMethodOfTheHost) {
 TEST_F(HeldWhileCalling, WouldBeSeen) {
     EXPECT_TRUE(probe.SeesNothingHeld());
     {
-        const CHandle mutex(CreateMutexW(nullptr, /*initialOwner=*/TRUE, kSqliteAccessLock));
+        const CHandle mutex(CreateMutexW(nullptr, /*initialOwner=*/FALSE, kSqliteAccessLock));
+        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex.Get(), 0));
         EXPECT_FALSE(probe.SeesNothingHeld());
         ReleaseMutex(mutex.Get());
     }

@@ -27,6 +27,9 @@ std::ostream& operator<<(std::ostream& out, const Effect& effect) {
                << effect.store << "\n  sink " << effect.sunk;
 }
 
+// Whose method the inner call is.
+enum class By { TheSameObject, AnotherObject };
+
 // All rows but for the time of their recording, in an order of their own.
 std::string RowsOf(const std::filesystem::path& file, const std::string& table) {
     if (CountRows(file, table) == 0) return table + ": none\n";
@@ -68,15 +71,16 @@ protected:
             const std::vector<Effect> allowed = OneAfterTheOther(outer, inner);
             for (const auto& [method, count] : entries) {
                 for (const int entry : {1, count}) {
-                    TryAt(outer, inner, method, entry, allowed, Plugin());
-                    if (IsFullForm()) TryAt(outer, inner, method, entry, allowed, *m_other);
+                    TryAt(outer, inner, method, entry, allowed, By::TheSameObject);
+                    if (IsFullForm())
+                        TryAt(outer, inner, method, entry, allowed, By::AnotherObject);
                     if (count == 1 || HasFatalFailure()) break;
                 }
                 ++m_seen[method];
             }
             // The other object needs no more than one look at each pair in the short form.
             const auto first = entries.begin();
-            TryAt(outer, inner, first->first, first->second, allowed, *m_other);
+            TryAt(outer, inner, first->first, first->second, allowed, By::AnotherObject);
         }
     }
     const std::map<HostMethod, int>& Seen() const { return m_seen; }
@@ -85,7 +89,7 @@ private:
     void PutBaseStoreBack() {
         Host().onCall = nullptr;
         Host().sunk.clear();
-        Host().contentStore.calls.clear();
+        RenewPlugin(); // the content store that an object keeps is not created again
         for (const auto& [path, bytes] : m_base)
             WriteBytes(path, bytes);
     }
@@ -114,8 +118,9 @@ private:
     }
 
     void TryAt(const HostCommand& outer, const HostCommand& inner, HostMethod method, int entry,
-               const std::vector<Effect>& allowed, ITslPluginDb2& object) {
+               const std::vector<Effect>& allowed, By by) {
         PutBaseStoreBack();
+        ITslPluginDb2& object = by == By::TheSameObject ? Plugin() : *m_other;
         Effect effect;
         int entries = 0;
         Host().onCall = [&](HostMethod entered) {
@@ -128,7 +133,7 @@ private:
         effect.sunk = Sorted(Host().sunk);
         ASSERT_TRUE(std::ranges::find(allowed, effect) != allowed.end())
             << inner.name << " inside call " << entry << " of " << NameOf(method) << " of "
-            << outer.name << (&object == &Plugin() ? "" : ", by another object") << effect
+            << outer.name << (by == By::TheSameObject ? "" : ", by another object") << effect
             << "\nor, inner after outer:" << allowed[0] << "\nor, before:" << allowed[1];
     }
 
