@@ -18,7 +18,9 @@ std::unique_ptr<const SqliteApi> LoadEngine(HMODULE module) {
 
 } // namespace
 
-CActionLogStore::CActionLogStore(HMODULE module) : m_engine(LoadEngine(module)) {}
+CActionLogStore::CActionLogStore(HMODULE module) {
+    m_engine = LoadEngine(module); // after the locks
+}
 
 HRESULT CActionLogStore::Open(const std::wstring& fileName, std::wstring_view prefix,
                               std::wstring_view name, CDatabase* database, TableShape shape,

@@ -11,7 +11,9 @@ CWriteSession::CWriteSession(const CActionLogStore& store, const Target& target)
                           TableShape::Action, /*create=*/false, FileUse::Write)) {
     if (!IsOpen()) return;
     m_begun = m_transaction.Begin();
-    CreateActionTable(store.Engine(), m_database, kTablePrefix, target.tableName);
+    if (m_begun == kSqliteOk) {
+        CreateActionTable(store.Engine(), m_database, kTablePrefix, target.tableName);
+    }
 }
 
 } // namespace tsl

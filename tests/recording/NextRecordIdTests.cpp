@@ -29,19 +29,19 @@ protected:
         m_session.reset();
     }
 
-    // Requests an id, expects success and that the lock was given back.
+    // Requests an id, expects success and that the lock was given back, but nobody else's.
     UINT32 Next() { return Next(Store()); }
-    static UINT32 Next(CActionLogStore& store) {
+    static UINT32 Next(const CActionLogStore& store) {
+        const bool wasFree = MutexIsFree(kLogIdMutexName);
         CVariant answer;
         EXPECT_EQ(S_OK, NextRecordId(store, ContainerBuilder(), answer.Address()));
-        EXPECT_FALSE(store.LogIdLock().IsHeld());
+        EXPECT_EQ(wasFree, MutexIsFree(kLogIdMutexName));
         EXPECT_EQ(VT_UNKNOWN, answer.Type());
         if (answer.Type() != VT_UNKNOWN) return 0xDEAD;
         CVariant id;
         EXPECT_EQ(S_OK, static_cast<ITslParamContainer*>(answer.Get().punkVal)
                             ->GetValue(kKeyRecordId, id.Address()));
         EXPECT_EQ(VT_UI4, id.Type());
-        EXPECT_EQ(id.Get().ulVal, store.RecordIdCounter());
         return id.Get().ulVal;
     }
 
@@ -50,7 +50,6 @@ protected:
         CVariant answer;
         EXPECT_EQ(result, NextRecordId(Store(), ContainerBuilder(), answer.Address()));
         EXPECT_EQ(VT_EMPTY, answer.Type());
-        EXPECT_FALSE(Store().LogIdLock().IsHeld());
         EXPECT_TRUE(MutexIsFree(kLogIdMutexName));
     }
 
@@ -71,7 +70,7 @@ TEST_F(RecordIdCounter, StartsAtOne) {
 TEST_F(RecordIdCounter, CountsUpAcrossStores) {
     EXPECT_EQ(1u, Next());
     EXPECT_EQ(2u, Next());
-    CActionLogStore other(GetModuleHandleW(nullptr));
+    const CActionLogStore other(GetModuleHandleW(nullptr));
     EXPECT_EQ(3u, Next(other));
     EXPECT_EQ(4u, Next());
     EXPECT_EQ(Utf16FileBytes(L"00000004\t\r\n"), ReadBytes(CounterPath()));
@@ -113,12 +112,10 @@ TEST_F(RecordIdCounter, GoesOnFromTheNumberInTheFile) {
 }
 
 TEST_F(RecordIdCounter, TouchesNothingWithoutAContainer) {
-    Store().RecordIdCounter() = 77;
     CVariant answer;
     EXPECT_EQ(E_POINTER, NextRecordId(Store(), nullptr, answer.Address()));
     EXPECT_EQ(E_POINTER, NextRecordId(Store(), nullptr, nullptr));
     EXPECT_EQ(VT_EMPTY, answer.Type());
-    EXPECT_EQ(1u, Store().RecordIdCounter());
     EXPECT_FALSE(std::filesystem::exists(CounterPath()));
     EXPECT_FALSE(std::filesystem::exists(StoreFolder()));
 
@@ -143,10 +140,8 @@ TEST_F(RecordIdCounter, IsNotRaisedWhileAnotherHasTheFileOpen) {
         const CHandle open(CreateFileW(CounterPath().c_str(), GENERIC_READ, /*shareMode=*/0,
                                        nullptr, OPEN_EXISTING, 0, nullptr));
         ASSERT_TRUE(open);
-        Store().RecordIdCounter() = 77;
-        ExpectFailure(kSharingViolation);
-        EXPECT_EQ(1u, Store().RecordIdCounter());
-    }
+            ExpectFailure(kSharingViolation);
+        }
     EXPECT_EQ(stored, ReadBytes(CounterPath()));
     EXPECT_EQ(42u, Next());
 }
@@ -188,12 +183,15 @@ TEST_F(RecordIdCounter, IsRaisedThoughTheLockWasAbandoned) {
     EXPECT_EQ(1u, Next());
 }
 
-TEST_F(RecordIdCounter, DoesNotWaitForALockThatTheStoreHolds) {
-    Store().LogIdLock().Acquire(kLogIdTimeoutMilliseconds);
-    ASSERT_TRUE(Store().LogIdLock().IsHeld());
-    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    EXPECT_EQ(1u, Next());
-    EXPECT_THAT(waits.TimeOuts(kLogIdMutexName), IsEmpty());
+TEST_F(RecordIdCounter, HasALockOfItsThreadAtOnceAndLeavesItHeld) {
+    {
+        const CMutexGuard held(Store().LogIdLock(), kLogIdTimeoutMilliseconds);
+        ASSERT_TRUE(held.IsHeld());
+        const ULONGLONG start = GetTickCount64();
+        EXPECT_EQ(1u, Next());
+        EXPECT_LT(GetTickCount64() - start, kLogIdTimeoutMilliseconds / 2);
+        EXPECT_FALSE(MutexIsFree(kLogIdMutexName));
+    }
     EXPECT_TRUE(MutexIsFree(kLogIdMutexName));
 }
 

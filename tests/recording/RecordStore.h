@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "store/ActionLogStore.h"
+#include "store/Target.h"
 #include "tests/support/FileDatabase.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
@@ -15,8 +16,6 @@ protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(StoreTest::SetUp());
         m_store.emplace(GetModuleHandleW(nullptr));
-        m_store->SelectTable(kTablePrefix, kActionLogTable);
-        m_store->SetLogKind(1);
         ASSERT_NE(nullptr, m_store->Engine());
     }
     void TearDown() override {
@@ -24,7 +23,7 @@ protected:
         StoreTest::TearDown();
     }
 
-    CActionLogStore& Store() { return *m_store; }
+    const CActionLogStore& Store() { return *m_store; }
 
     // The single value that a query of the action log yields.
     static std::string Logged(const std::string& sql) {
@@ -32,8 +31,11 @@ protected:
     }
     static std::string RowCount() { return Logged("SELECT COUNT(*) FROM TslIf_DbActionLog"); }
 
+    // What is written to unless a test wants something else.
+    Target m_target{kActionLogFileName, kActionLogTable, /*logKind=*/1};
+
 private:
-    std::optional<CActionLogStore> m_store;
+    std::optional<const CActionLogStore> m_store;
 };
 
 } // namespace tsl::test

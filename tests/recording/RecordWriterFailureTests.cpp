@@ -50,8 +50,7 @@ private:
 class RecordWriterFailure : public RecordStoreTest {
 protected:
     HRESULT Write(UINT32 id, std::wstring_view name) {
-        const HRESULT result = WriteActionRecord(Store(), Action(id, name));
-        EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
+        const HRESULT result = WriteActionRecord(Store(), m_target, Action(id, name));
         EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName)) << "the lock must be given back";
         return result;
     }
@@ -65,13 +64,12 @@ protected:
 TEST_F(RecordWriterFailure, OfAMissingEngineIsAPointerFailure) {
     const LonelyComponent component;
     ASSERT_NE(nullptr, component.Module());
-    CActionLogStore store(component.Module());
+    const CActionLogStore store(component.Module());
     ASSERT_EQ(nullptr, store.Engine());
-    store.SelectTable(kTablePrefix, kActionLogTable);
 
     ScriptedContainer action(Action(5, L"playItem").Get());
-    EXPECT_EQ(E_POINTER, WriteActionRecord(store, &action));
-    EXPECT_EQ(E_POINTER, WriteActionRecord(store, nullptr));
+    EXPECT_EQ(E_POINTER, WriteActionRecord(store, m_target, &action));
+    EXPECT_EQ(E_POINTER, WriteActionRecord(store, m_target, nullptr));
     EXPECT_TRUE(action.keysRead.empty());
     EXPECT_FALSE(fs::exists(ActionLogPath()));
     EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));
@@ -85,13 +83,14 @@ TEST_F(RecordWriterFailure, OfADamagedFileLeavesItAsItIs) {
     EXPECT_EQ(damaged, ReadBytes(ActionLogPath()));
 }
 
-TEST_F(RecordWriterFailure, OfAnOpenIsReturnedBeforeTheContainerIsRead) {
+TEST_F(RecordWriterFailure, OfAnOpenIsReturnedWhateverTheContainerGives) {
     fs::create_directories(ActionLogPath()); // a folder in place of the file
     EXPECT_EQ(kSqliteCantOpenResult, Write(5, L"playItem"));
-    EXPECT_EQ(kSqliteCantOpenResult, WriteActionRecord(Store(), nullptr));
+    EXPECT_EQ(kSqliteCantOpenResult, Write(0, L"playItem"));
+    EXPECT_EQ(kSqliteCantOpenResult, WriteActionRecord(Store(), m_target, nullptr));
     ScriptedContainer action(Action(5, L"playItem").Get());
-    EXPECT_EQ(kSqliteCantOpenResult, WriteActionRecord(Store(), &action));
-    EXPECT_TRUE(action.keysRead.empty());
+    action.getResults[kKeyUserId] = E_ACCESSDENIED;
+    EXPECT_EQ(kSqliteCantOpenResult, WriteActionRecord(Store(), m_target, &action));
 }
 
 TEST_F(RecordWriterFailure, OfADatabaseInUseIsBusy) {
@@ -102,7 +101,7 @@ TEST_F(RecordWriterFailure, OfADatabaseInUseIsBusy) {
         const EngineSleeps sleeps;
         EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
         EXPECT_EQ(kSqliteBusyResult, Write(6, L"second"));
-        EXPECT_EQ(4u, sleeps.Seconds());
+        EXPECT_EQ(2u, sleeps.Waits(kWriteWait)) << "each fails where it begins";
     }
     other.Query("COMMIT");
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
@@ -116,7 +115,7 @@ TEST_F(RecordWriterFailure, OfADatabaseThatAnotherWritesToIsBusy) {
     other.Query("BEGIN IMMEDIATE");
     const EngineSleeps sleeps;
     EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
-    EXPECT_EQ(1u, sleeps.Seconds());
+    EXPECT_EQ(1u, sleeps.Waits(kWriteWait));
     other.Query("COMMIT");
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
 }
@@ -131,7 +130,7 @@ TEST_F(RecordWriterFailure, OfTheLastStepKeepsTheOlderRow) {
         const EngineSleeps sleeps;
         EXPECT_EQ(kSqliteBusyResult, Write(5, L"second"));
         EXPECT_EQ(kSqliteBusyResult, Write(6, L"other"));
-        EXPECT_EQ(2u, sleeps.Seconds());
+        EXPECT_EQ(2u, sleeps.Waits(kWriteWait));
     }
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
 }
@@ -162,6 +161,22 @@ TEST_F(RecordWriterFailure, OfATableWithOtherColumnsIsReturned) {
     }
     EXPECT_EQ(kSqliteErrorResult, Write(5, L"playItem"));
     EXPECT_EQ("kept", Logged("SELECT Other FROM TslIf_DbActionLog"));
+}
+
+TEST_F(RecordWriterFailure, OfTheLastStepLeavesNoNewTable) {
+    EXPECT_EQ(S_OK, Write(5, L"first"));
+    const std::string tables = "SELECT GROUP_CONCAT(name) FROM sqlite_master";
+    m_target.tableName = kContentDeleteTable;
+    {
+        const FileDatabase reader(ActionLogPath());
+        reader.Query("BEGIN");
+        reader.Query("SELECT * FROM TslIf_DbActionLog");
+        const EngineSleeps sleeps;
+        EXPECT_EQ(kSqliteBusyResult, Write(5, L"deleteItem"));
+    }
+    EXPECT_EQ("TslIf_DbActionLog", Logged(tables));
+    EXPECT_EQ(S_OK, Write(5, L"deleteItem"));
+    EXPECT_EQ("TslIf_DbActionLog,TslIf_ContentDeleteProperty", Logged(tables));
 }
 
 TEST_F(RecordWriterFailure, OfATableThatCannotBeMadeIsReturned) {

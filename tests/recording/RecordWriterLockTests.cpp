@@ -8,6 +8,7 @@
 
 #include "tests/recording/RecordStore.h"
 #include "tests/support/Containers.h"
+#include "tests/support/EngineWrites.h"
 #include "tests/support/LockWaits.h"
 #include "tests/support/LockWatchingContainer.h"
 #include "tests/support/MutexHolder.h"
@@ -24,26 +25,26 @@ using ::testing::Pair;
 
 class RecordWriterLock : public RecordStoreTest {};
 
-TEST_F(RecordWriterLock, IsHeldWhileARecordIsWritten) {
+TEST_F(RecordWriterLock, IsHeldWhileARecordIsWrittenAndFreeWhileItIsRead) {
     LockWatchingContainer action(Action(5, L"playItem").Get());
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), &action));
-    EXPECT_THAT(action.lockWasFree, Not(AnyOf(IsEmpty(), Contains(Pair(_, true)))));
+    const EngineWrites writes;
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, &action));
+    EXPECT_TRUE(writes.WereUnderTheLock());
+    EXPECT_THAT(action.lockWasFree, Not(AnyOf(IsEmpty(), Contains(Pair(_, false)))));
     EXPECT_EQ("1", RowCount());
 }
 
 TEST_F(RecordWriterLock, IsFreeAfterwards) {
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem")));
-    EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem")));
     EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));
 }
 
 TEST_F(RecordWriterLock, ThatAnotherProcessHoldsDelaysTheWriteThreeSecondsOnly) {
     const MutexHolder other(kSqliteAccessMutexName);
     const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem")));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem")));
     EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), ElementsAre(3000));
     EXPECT_EQ("1", RowCount());
-    EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
     EXPECT_FALSE(MutexIsFree(kSqliteAccessMutexName)) << "what was not taken is not given back";
 }
 
@@ -52,7 +53,7 @@ TEST_F(RecordWriterLock, ThatTimedOutDoesNotChangeAFailure) {
     ScriptedContainer action(Action(5, L"playItem").Get());
     action.getResults[kKeyUserId] = E_ACCESSDENIED;
     const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    EXPECT_EQ(E_ACCESSDENIED, WriteActionRecord(Store(), &action));
+    EXPECT_EQ(E_ACCESSDENIED, WriteActionRecord(Store(), m_target, &action));
     EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), ElementsAre(3000));
     EXPECT_EQ("0", RowCount());
 }
@@ -64,30 +65,34 @@ TEST_F(RecordWriterLock, ThatComesFreeInTimeIsTaken) {
         EXPECT_TRUE(waits.SeesWaitFor(kSqliteAccessMutexName));
         other.reset();
     });
-    LockWatchingContainer action(Action(5, L"playItem").Get());
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), &action));
+    const EngineWrites writes;
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem")));
     release.join();
     EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), ElementsAre(3000));
-    EXPECT_THAT(action.lockWasFree, Not(AnyOf(IsEmpty(), Contains(Pair(_, true)))));
+    EXPECT_TRUE(writes.WereUnderTheLock());
     EXPECT_EQ("1", RowCount());
 }
 
 TEST_F(RecordWriterLock, ThatWasAbandonedDoesNotStopTheWrite) {
     MutexHolder other(kSqliteAccessMutexName);
     other.Kill();
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem")));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem")));
     EXPECT_EQ("1", RowCount());
 }
 
-TEST_F(RecordWriterLock, ThatTheStoreHoldsAlreadyIsNotWaitedForAndGivenBack) {
-    Store().SqliteAccessLock().Acquire(kSqliteAccessTimeoutMilliseconds);
-    ASSERT_TRUE(Store().SqliteAccessLock().IsHeld());
-    const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem")));
-    EXPECT_THAT(waits.TimeOuts(kSqliteAccessMutexName), IsEmpty());
-    EXPECT_EQ("1", RowCount());
-    EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
+TEST_F(RecordWriterLock, ThatItsThreadHoldsIsHadAtOnceAndStaysHeld) {
+    {
+        const CMutexGuard held(Store().SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+        ASSERT_TRUE(held.IsHeld());
+        const EngineWrites writes;
+        const ULONGLONG start = GetTickCount64();
+        EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem")));
+        EXPECT_LT(GetTickCount64() - start, kSqliteAccessTimeoutMilliseconds);
+        EXPECT_TRUE(writes.WereUnderTheLock());
+        EXPECT_FALSE(MutexIsFree(kSqliteAccessMutexName));
+    }
     EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));
+    EXPECT_EQ("1", RowCount());
 }
 
 } // namespace tsl::test

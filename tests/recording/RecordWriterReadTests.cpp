@@ -22,9 +22,8 @@ class RecordReading : public RecordStoreTest {
 protected:
     // Writes the action and expects the result, no row, and that the lock was given back.
     void ExpectNoRow(HRESULT result, ITslParamContainer* action) {
-        EXPECT_EQ(result, WriteActionRecord(Store(), action));
+        EXPECT_EQ(result, WriteActionRecord(Store(), m_target, action));
         EXPECT_EQ("0", RowCount());
-        EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
         EXPECT_TRUE(MutexIsFree(kSqliteAccessMutexName));
     }
     void ExpectSkipped(ITslParamContainer* action) { ExpectNoRow(S_OK, action); }
@@ -32,7 +31,7 @@ protected:
 
 TEST_F(RecordReading, FollowsTheOrderOfTheFields) {
     ScriptedContainer action(Action(5, L"playItem").Get());
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), &action));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, &action));
     const std::vector<UINT64> expected = {
         kKeyRecordId,     kKeyActionName,       kKeyActionTime, kKeyAppId,     kKeyUserId,
         kKeyActionName,   kKeyUllValues,        kKeyUsValues,   kKeyIntValues, kKeyBoolValues,
@@ -90,25 +89,25 @@ TEST_F(RecordReading, SkipsAUserOfAnotherType) {
 }
 
 TEST_F(RecordReading, TakesTheUserZero) {
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem").Ui4(kKeyUserId, 0)));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem").Ui4(kKeyUserId, 0)));
     EXPECT_EQ("0", Logged("SELECT UserId FROM TslIf_DbActionLog"));
 }
 
 TEST_F(RecordReading, TakesAMissingApplicationAsZero) {
     ScriptedContainer absent(Action(5, L"playItem").Get());
     absent.getResults[kKeyAppId] = S_FALSE;
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), &absent));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, &absent));
     EXPECT_EQ("0", Logged("SELECT AppId FROM TslIf_DbActionLog"));
 }
 
 TEST_F(RecordReading, TakesAnApplicationOfAnotherTypeAsZero) {
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"playItem").Ui4(kKeyAppId, 3)));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem").Ui4(kKeyAppId, 3)));
     EXPECT_EQ("0", Logged("SELECT AppId FROM TslIf_DbActionLog"));
 }
 
 TEST_F(RecordReading, TakesATimeOfAnotherTypeAsAbsent) {
     EXPECT_EQ(S_OK,
-              WriteActionRecord(Store(), Action(5, L"playItem").Set(kKeyActionTime, Real(45000))));
+              WriteActionRecord(Store(), m_target, Action(5, L"playItem").Set(kKeyActionTime, Real(45000))));
     EXPECT_EQ("1", Logged("SELECT AppLoggedTime = PluginLoggedTime FROM TslIf_DbActionLog"));
 }
 
@@ -119,7 +118,7 @@ TEST_F(RecordReading, TakesATimeThatComesWithoutOkAsAbsent) {
         value.date = 45000;
         return S_FALSE;
     });
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), &action));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, &action));
     EXPECT_EQ("1", Logged("SELECT AppLoggedTime = PluginLoggedTime FROM TslIf_DbActionLog"));
 }
 
@@ -148,11 +147,11 @@ TEST_F(RecordReading, WritesNothingWhenAValueListHasAnotherType) {
 }
 
 TEST_F(RecordReading, KeepsTheOlderRowWhenTheContainerCannotBeRead) {
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), Action(5, L"first")));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"first")));
     for (const UINT64 key : {kKeyRecordId, kKeyUserId, kKeyFloatValues}) {
         ScriptedContainer action(Action(5, L"second").Get());
         action.getResults[key] = kFailure;
-        EXPECT_EQ(kFailure, WriteActionRecord(Store(), &action));
+        EXPECT_EQ(kFailure, WriteActionRecord(Store(), m_target, &action));
     }
     EXPECT_EQ("first", Logged("SELECT ActionName FROM TslIf_DbActionLog"));
 }

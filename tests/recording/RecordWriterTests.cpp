@@ -8,7 +8,7 @@ namespace tsl::test {
 
 class RecordWriter : public RecordStoreTest {
 protected:
-    HRESULT Write(ITslParamContainer* action) { return WriteActionRecord(Store(), action); }
+    HRESULT Write(ITslParamContainer* action) { return WriteActionRecord(Store(), m_target, action); }
 
     static constexpr const char* kAllColumns =
         "SELECT ActionLogId, UsedLog, AppId, AppName, UserId, ActionName, ActionParameters, "
@@ -61,7 +61,7 @@ TEST_F(RecordWriter, StoresEachValueWithItsType) {
 }
 
 TEST_F(RecordWriter, WidensIdsWithoutASignAndTheApplicationWithOne) {
-    Store().SetLogKind(0xFFFFFFFE);
+    m_target.logKind = 0xFFFFFFFE;
     ContainerBuilder action = Action(0xFFFFFFFF, L"playItem");
     action.Ui4(kKeyUserId, 0x80000000).I4(kKeyAppId, -5);
     EXPECT_EQ(S_OK, Write(action));
@@ -160,12 +160,12 @@ TEST_F(RecordWriter, KeepsOneRowPerIdTheLatest) {
                                    "FROM TslIf_DbActionLog ORDER BY rowid"));
 }
 
-TEST_F(RecordWriter, WritesToTheSelectedTableAndFile) {
-    Store().SelectTable(kTablePrefix, kContentDeleteTable);
+TEST_F(RecordWriter, WritesToTheTableAndFileOfItsTarget) {
+    m_target.tableName = kContentDeleteTable;
     EXPECT_EQ(S_OK, Write(Action(5, L"first")));
     EXPECT_EQ(S_OK, Write(Action(5, L"deleteItem")));
-    Store().SelectDatabase(kReplayFileName);
-    Store().SelectTable(kTablePrefix, kReplayTable);
+    m_target.fileName = kReplayFileName;
+    m_target.tableName = kReplayTable;
     EXPECT_EQ(S_OK, Write(Action(5, L"first")));
     EXPECT_EQ(S_OK, Write(Action(5, L"replayed")));
 
@@ -175,8 +175,8 @@ TEST_F(RecordWriter, WritesToTheSelectedTableAndFile) {
     EXPECT_EQ("1", Logged("SELECT COUNT(*) FROM sqlite_master")) << "no other table is made";
 }
 
-TEST_F(RecordWriter, AddsWhatTheLogKindOfTheStoreAsksFor) {
-    Store().SetLogKind(2);
+TEST_F(RecordWriter, AddsWhatTheLogKindOfItsTargetAsksFor) {
+    m_target.logKind = 2;
     EXPECT_EQ(S_OK, Write(Action(5, L"playItem").Date(kKeyActionTime, 25569.0)));
     EXPECT_EQ("ullValues={0}&intValues={0} 2",
               Logged("SELECT ActionParameters || ' ' || LogKind FROM TslIf_DbActionLog"));

@@ -81,9 +81,8 @@ protected:
                   Build(MomentaryAction(), kLinkedLogKind))
             << "the host's own time is taken unconverted";
 
-        CActionLogStore store(GetModuleHandleW(nullptr));
-        store.SelectTable(kTablePrefix, kActionLogTable);
-        ASSERT_EQ(S_OK, WriteActionRecord(store, Action(1, L"playItem")));
+        const CActionLogStore store(GetModuleHandleW(nullptr));
+        ASSERT_EQ(S_OK, WriteActionRecord(store, Target{}, Action(1, L"playItem")));
         const double written = std::stod(FileDatabase(ActionLogPath())
                                              .Value("SELECT (PluginLoggedTime - 25569) * 86400.0 "
                                                     "FROM TslIf_DbActionLog"));

@@ -2,29 +2,25 @@
 #include "store/LatestRow.h"
 
 #include "tests/support/FileDatabase.h"
+#include "tests/support/OpenTarget.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
 
 namespace {
 
-// A main table with its file.
-struct Place {
-    const wchar_t* file;
-    const wchar_t* table;
-};
-constexpr Place kActionLog = {L"ualog.db", L"DbActionLog"};
-constexpr Place kReplay = {L"uareplay.db", L"ActionReplay"};
+// The main table of each file.
+constexpr Target kActionLog = {L"ualog.db", L"DbActionLog"};
+constexpr Target kReplay = {L"uareplay.db", L"ActionReplay"};
 
 class LatestRow : public StoreTest {
 protected:
     // Puts rows of these ids and a mark, as the signed number that the header shows, into the file.
-    void Prepare(const Place& place, const std::string& ids, INT32 mark) {
-        m_store.SelectDatabase(place.file);
-        m_store.SelectTable(L"TslIf", place.table);
+    void Prepare(const Target& target, const std::string& ids, INT32 mark) {
+        m_target = target;
         {
             CDatabase database;
-            ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+            ASSERT_EQ(S_OK, OpenTarget(m_store, m_target, &database));
         }
         const FileDatabase file(Path());
         file.Query("DELETE FROM " + Table());
@@ -36,19 +32,19 @@ protected:
 
     int Remove(UINT32 recordId, End end = End::Commit) {
         CDatabase database;
-        EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+        EXPECT_EQ(S_OK, OpenTarget(m_store, m_target, &database));
         CTransaction transaction(database);
         EXPECT_EQ(kSqliteOk, transaction.Begin());
-        const int result = RemoveOlderRows(m_store, database, recordId);
+        const int result = RemoveOlderRows(m_target, database, recordId);
         if (end == End::Commit) {
             EXPECT_EQ(kSqliteOk, transaction.Commit());
         }
         return result;
     }
 
-    std::filesystem::path Path() const { return StoreFolder() / m_store.DatabaseName(); }
+    std::filesystem::path Path() const { return StoreFolder() / m_target.fileName; }
     std::string Table() const {
-        const std::wstring table = m_store.SelectedTable();
+        const std::wstring table = m_target.Table();
         return std::string(table.begin(), table.end());
     }
 
@@ -60,7 +56,8 @@ protected:
     }
     std::string Mark() const { return FileDatabase(Path()).Value("PRAGMA user_version"); }
 
-    CActionLogStore m_store{GetModuleHandleW(nullptr)};
+    const CActionLogStore m_store{GetModuleHandleW(nullptr)};
+    Target m_target;
 };
 
 struct Removal {
@@ -104,10 +101,10 @@ const Removal kRemovals[] = {
 } // namespace
 
 TEST_F(LatestRow, GoesByTheMarkOfItsFile) {
-    for (const Place& place : {kActionLog, kReplay}) {
+    for (const Target& target : {kActionLog, kReplay}) {
         for (const Removal& removal : kRemovals) {
             SCOPED_TRACE(removal.what);
-            ASSERT_NO_FATAL_FAILURE(Prepare(place, removal.ids, removal.mark));
+            ASSERT_NO_FATAL_FAILURE(Prepare(target, removal.ids, removal.mark));
             EXPECT_EQ(kSqliteOk, Remove(removal.recordId));
             EXPECT_EQ(removal.idsLeft, Ids());
             EXPECT_EQ(removal.markAfter, Mark());
@@ -120,10 +117,10 @@ TEST_F(LatestRow, IsTheOneThatIsInsertedNext) {
     ASSERT_NO_FATAL_FAILURE(Prepare(kActionLog, "(1),(2),(3)", 3));
     {
         CDatabase database;
-        ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+        ASSERT_EQ(S_OK, OpenTarget(m_store, m_target, &database));
         CTransaction transaction(database);
         ASSERT_EQ(kSqliteOk, transaction.Begin());
-        ASSERT_EQ(kSqliteOk, RemoveOlderRows(m_store, database, 2));
+        ASSERT_EQ(kSqliteOk, RemoveOlderRows(m_target, database, 2));
         ASSERT_EQ(kSqliteOk,
                   ExecuteStatement(database, L"REPLACE INTO TslIf_DbActionLog "
                                              L"(ActionLogId, ActionName) VALUES (2, 'new')"));
@@ -150,7 +147,7 @@ TEST_F(LatestRow, RollbackLeavesRowsAndMarkAsTheyWere) {
 }
 
 TEST_F(LatestRow, OfATableWithoutMarkGoesByItsRowsAndLeavesTheMark) {
-    const Place places[] = {
+    const Target targets[] = {
         {L"ualog.db", L"ContentDeleteProperty"},
         {L"uareplay.db", L"ContentDeleteProperty"},
         {L"uareplay.db", L"DbActionLog"},
@@ -164,10 +161,10 @@ TEST_F(LatestRow, OfATableWithoutMarkGoesByItsRowsAndLeavesTheMark) {
         {"highest id", "(5),(4294967295)", 10, 4294967295u, "5", "10"},
         {"first row", "", 0, 1, "", "0"},
     };
-    for (const Place& place : places) {
+    for (const Target& target : targets) {
         for (const Removal& removal : removals) {
             SCOPED_TRACE(removal.what);
-            ASSERT_NO_FATAL_FAILURE(Prepare(place, removal.ids, removal.mark));
+            ASSERT_NO_FATAL_FAILURE(Prepare(target, removal.ids, removal.mark));
             EXPECT_EQ(kSqliteOk, Remove(removal.recordId));
             EXPECT_EQ(removal.idsLeft, Ids());
             EXPECT_EQ(removal.markAfter, Mark());
@@ -180,7 +177,7 @@ TEST_F(LatestRow, LeavesOtherTablesOfTheFileAlone) {
     ASSERT_NO_FATAL_FAILURE(Prepare(kActionLog, "(1),(2)", 2));
     EXPECT_EQ(kSqliteOk, Remove(2));
     EXPECT_EQ("1", Ids());
-    m_store.SelectTable(L"TslIf", L"ContentDeleteProperty");
+    m_target = m_target.WithTable(L"ContentDeleteProperty");
     EXPECT_EQ("1,2", Ids());
 }
 
@@ -199,11 +196,11 @@ TEST_F(LatestRow, MissingTableIsAFailureAndLeavesTheMark) {
     ASSERT_NO_FATAL_FAILURE(Prepare(kActionLog, "", 0));
     {
         CDatabase database;
-        ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+        ASSERT_EQ(S_OK, OpenTarget(m_store, m_target, &database));
         ASSERT_EQ(kSqliteOk, ExecuteStatement(database, L"DROP TABLE TslIf_DbActionLog"));
         CTransaction transaction(database);
         ASSERT_EQ(kSqliteOk, transaction.Begin());
-        EXPECT_EQ(kSqliteError, RemoveOlderRows(m_store, database, 1));
+        EXPECT_EQ(kSqliteError, RemoveOlderRows(m_target, database, 1));
         ASSERT_EQ(kSqliteOk, transaction.Commit());
     }
     EXPECT_EQ("0", Mark());

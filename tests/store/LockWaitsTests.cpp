@@ -28,22 +28,21 @@ void* ImportedWait() {
 } // namespace
 
 TEST(LockWaits, AreToldApartByTheNameOfTheLock) {
-    CNamedMutex mutex(kWatchedLock);
-    CNamedMutex other(kOtherLock);
+    const CNamedMutex mutex(kWatchedLock);
+    const CNamedMutex other(kOtherLock);
     const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    other.Acquire(70000);
-    mutex.Acquire(50000);
-    mutex.Release();
-    mutex.Acquire(INFINITE);
+    const CMutexGuard otherGuard(other, 70000);
+    CMutexGuard(mutex, 50000).Release();
+    const CMutexGuard guard(mutex, INFINITE);
     EXPECT_THAT(waits.TimeOuts(kWatchedLock), ElementsAre(50000, INFINITE));
     EXPECT_THAT(waits.TimeOuts(kOtherLock), ElementsAre(70000));
 }
 
 TEST(LockWaits, TakeALockThatIsFree) {
-    CNamedMutex mutex(kWatchedLock);
+    const CNamedMutex mutex(kWatchedLock);
     const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    mutex.Acquire(50000);
-    EXPECT_TRUE(mutex.IsHeld());
+    const CMutexGuard guard(mutex, 50000);
+    EXPECT_TRUE(guard.IsHeld());
     EXPECT_FALSE(MutexIsFree(kWatchedLock));
 }
 
@@ -70,23 +69,23 @@ TEST(MutexHolder, EndsWithTheProgramThatStartedIt) {
 
 TEST(LockWaits, GiveAHeldLockUpAtOnceOrWaitForIt) {
     const MutexHolder holder(kWatchedLock);
-    CNamedMutex mutex(kWatchedLock);
+    const CNamedMutex mutex(kWatchedLock);
     for (const auto& [held, timeOut] : {std::pair(HeldLocks::AreGivenUpAtOnce, DWORD{600000}),
                                         std::pair(HeldLocks::AreWaitedFor, DWORD{100})}) {
         const LockWaits waits(held);
         const ULONGLONG start = GetTickCount64();
-        mutex.Acquire(timeOut);
-        EXPECT_FALSE(mutex.IsHeld());
+        const CMutexGuard guard(mutex, timeOut);
+        EXPECT_FALSE(guard.IsHeld());
         EXPECT_GE(GetTickCount64() - start, held == HeldLocks::AreWaitedFor ? 90u : 0u);
         EXPECT_THAT(waits.TimeOuts(kWatchedLock), ElementsAre(timeOut));
     }
 }
 
 TEST(LockWaits, OfATryAreNone) {
-    CNamedMutex mutex(kWatchedLock);
+    const CNamedMutex mutex(kWatchedLock);
     const LockWaits waits(HeldLocks::AreGivenUpAtOnce);
-    mutex.Acquire(0);
-    EXPECT_TRUE(mutex.IsHeld());
+    const CMutexGuard guard(mutex, 0);
+    EXPECT_TRUE(guard.IsHeld());
     EXPECT_THAT(waits.TimeOuts(kWatchedLock), IsEmpty());
 }
 

@@ -5,6 +5,7 @@
 #include "store/ActionLogStore.h"
 #include "store/SqliteResult.h"
 #include "tests/support/ComponentCopy.h"
+#include "tests/support/OpenTarget.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -125,11 +126,10 @@ TEST_P(StoreWithPartOfTheEngine, FailsToOpenWithTheMappedError) {
     const ComponentCopy copy;
     copy.AddEngine();
     copy.RenameEngineExport(GetParam());
-    CActionLogStore store(copy.Module());
+    const CActionLogStore store(copy.Module());
     ASSERT_NE(nullptr, store.Engine()) << "a store keeps an engine that lacks a function";
-    store.SelectTable(L"TslIf", L"DbActionLog");
     CDatabase database;
-    EXPECT_EQ(kMappedError, store.OpenSelected(&database));
+    EXPECT_EQ(kMappedError, OpenTarget(store, Target{}, &database));
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, StoreWithPartOfTheEngine,

@@ -1,4 +1,4 @@
-// The named mutex: waiting, the flag, and what others see of it.
+// The named mutex and its guards: waiting, who holds it, and what others see of it.
 #include "base/NamedMutex.h"
 
 #include <gmock/gmock.h>
@@ -46,9 +46,7 @@ protected:
     bool IsFree() const {
         bool held = false;
         std::thread([&] {
-            CNamedMutex other(Name());
-            other.Acquire(0);
-            held = other.IsHeld();
+            held = CMutexGuard(CNamedMutex(Name()), 0).IsHeld();
         }).join();
         return held;
     }
@@ -60,106 +58,110 @@ protected:
 
 } // namespace
 
-TEST_F(NamedMutex, IsHeldAfterAcquireAndFreeAfterRelease) {
-    CNamedMutex mutex(Name());
-    EXPECT_FALSE(mutex.IsHeld());
+TEST_F(NamedMutex, IsHeldByAGuardUntilItsReleaseOrItsEnd) {
+    const CNamedMutex mutex(Name());
     EXPECT_TRUE(IsFree());
-    mutex.Acquire(kLong);
-    EXPECT_TRUE(mutex.IsHeld());
-    EXPECT_FALSE(IsFree());
-    mutex.Release();
-    EXPECT_FALSE(mutex.IsHeld());
-    EXPECT_TRUE(IsFree());
-}
-
-TEST_F(NamedMutex, AcquiredTwiceWaitsOnceAndIsFreeAfterOneRelease) {
-    CNamedMutex mutex(Name());
-    const LockWaits waits(HeldLocks::AreWaitedFor);
-    mutex.Acquire(kLong);
-    mutex.Acquire(kLong);
-    EXPECT_THAT(waits.TimeOuts(m_name), ElementsAre(kLong));
-    EXPECT_TRUE(mutex.IsHeld());
-    mutex.Release();
+    {
+        CMutexGuard guard(mutex, kLong);
+        EXPECT_TRUE(guard.IsHeld());
+        EXPECT_FALSE(IsFree());
+        guard.Release();
+        EXPECT_FALSE(guard.IsHeld());
+        EXPECT_TRUE(IsFree());
+    }
+    {
+        const CMutexGuard guard(mutex, kLong);
+        EXPECT_TRUE(guard.IsHeld());
+        EXPECT_FALSE(IsFree());
+    }
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(NamedMutex, ReleasedTwiceOrWithoutHoldingIsHarmless) {
-    CNamedMutex outer(Name());
-    CNamedMutex inner(Name());
-    outer.Acquire(kLong);
-    inner.Release();
-    EXPECT_FALSE(IsFree()) << "somebody else's hold was given back";
-    inner.Acquire(kLong);
-    inner.Release();
-    inner.Release();
-    EXPECT_FALSE(IsFree()) << "two releases undid two holds";
-    outer.Release();
-    EXPECT_TRUE(IsFree());
-}
-
-TEST_F(NamedMutex, TwoObjectsOfAThreadTakeItSeparately) {
-    CNamedMutex first(Name());
-    CNamedMutex second(Name());
-    first.Acquire(kLong);
-    second.Acquire(kLong);
+TEST_F(NamedMutex, IsHadAgainAtOnceByTheThreadThatHasItAndIsFreeWhenAllGaveItBack) {
+    const CNamedMutex mutex(Name());
+    const CNamedMutex another(Name());
+    CMutexGuard first(mutex, kLong);
+    CMutexGuard second(mutex, 0);
+    CMutexGuard third(another, 0);
     EXPECT_TRUE(second.IsHeld());
+    EXPECT_TRUE(third.IsHeld());
     first.Release();
+    third.Release();
     EXPECT_FALSE(IsFree());
     second.Release();
     EXPECT_TRUE(IsFree());
 }
 
-TEST_F(NamedMutex, SecondThreadOnTheSameObjectSkipsTheWait) {
-    CNamedMutex mutex(Name());
-    mutex.Acquire(kLong);
+TEST_F(NamedMutex, IsGivenBackByAGuardOnlyOnce) {
+    const CNamedMutex mutex(Name());
+    const CMutexGuard outer(mutex, kLong);
+    {
+        CMutexGuard inner(mutex, kLong);
+        inner.Release();
+        inner.Release();
+        EXPECT_FALSE(inner.IsHeld());
+    }
+    EXPECT_FALSE(IsFree()) << "the guard gave back what another had taken";
+}
+
+TEST_F(NamedMutex, IsWaitedForByASecondThreadOnTheSameObject) {
+    const CNamedMutex mutex(Name());
+    CMutexGuard first(mutex, kLong);
     const LockWaits waits(HeldLocks::AreWaitedFor);
-    bool held = false;
-    std::thread([&] {
-        mutex.Acquire(kLong);
-        held = mutex.IsHeld();
-    }).join();
-    EXPECT_TRUE(held);
-    EXPECT_THAT(waits.TimeOuts(m_name), IsEmpty());
+    bool heldTooEarly = true;
+    bool heldInItsTurn = false;
+    std::thread second([&] {
+        heldTooEarly = CMutexGuard(mutex, kShort).IsHeld();
+        heldInItsTurn = CMutexGuard(mutex, kLong).IsHeld();
+    });
+    while (waits.TimeOuts(m_name).size() < 2)
+        Sleep(1);
+    EXPECT_FALSE(heldTooEarly);
+    EXPECT_FALSE(IsFree()) << "the second thread gave back what the first one holds";
+    first.Release();
+    second.join();
+    EXPECT_TRUE(heldInItsTurn);
+    EXPECT_THAT(waits.TimeOuts(m_name), ElementsAre(kShort, kLong));
+    EXPECT_TRUE(IsFree());
 }
 
 TEST_F(NamedMutex, HeldByAnotherProcessIsWaitedForThenGivenUp) {
     const MutexHolder holder(Name());
-    CNamedMutex mutex(Name());
+    const CNamedMutex mutex(Name());
     const ULONGLONG start = GetTickCount64();
-    mutex.Acquire(500);
-    const ULONGLONG waited = GetTickCount64() - start;
-    EXPECT_FALSE(mutex.IsHeld());
-    EXPECT_GE(waited, 450u);
-    EXPECT_LT(waited, 3000u);
-    mutex.Release();
+    {
+        const CMutexGuard guard(mutex, 500);
+        const ULONGLONG waited = GetTickCount64() - start;
+        EXPECT_FALSE(guard.IsHeld());
+        EXPECT_GE(waited, 450u);
+        EXPECT_LT(waited, 3000u);
+    }
     EXPECT_FALSE(IsFree()) << "the other process lost it";
 }
 
 TEST_F(NamedMutex, CanBeHadOnceTheOtherProcessLetsGo) {
-    CNamedMutex mutex(Name());
+    const CNamedMutex mutex(Name());
     {
         const MutexHolder holder(Name());
     }
-    mutex.Acquire(kLong);
-    EXPECT_TRUE(mutex.IsHeld());
+    EXPECT_TRUE(CMutexGuard(mutex, kLong).IsHeld());
 }
 
 TEST_F(NamedMutex, AbandonedCountsAsNotHeldAndIsNeverGivenBack) {
-    CNamedMutex mutex(Name());
+    const CNamedMutex mutex(Name());
     MutexHolder holder(Name());
     holder.Kill();
-    const ULONGLONG start = GetTickCount64();
-    mutex.Acquire(kLong);
-    EXPECT_LT(GetTickCount64() - start, kLong / 2) << "it was waited for like a held one";
-    EXPECT_FALSE(mutex.IsHeld());
-    EXPECT_FALSE(IsFree()) << "this thread does not own it";
-    mutex.Release();
+    {
+        const ULONGLONG start = GetTickCount64();
+        const CMutexGuard guard(mutex, kLong);
+        EXPECT_LT(GetTickCount64() - start, kLong / 2) << "it was waited for like a held one";
+        EXPECT_FALSE(guard.IsHeld());
+        EXPECT_FALSE(IsFree()) << "this thread does not own it";
+    }
     EXPECT_FALSE(IsFree());
 
     // The thread owns it, so its next wait succeeds, and that hold is given back as any other.
-    mutex.Acquire(kShort);
-    EXPECT_TRUE(mutex.IsHeld());
-    mutex.Release();
+    EXPECT_TRUE(CMutexGuard(mutex, kShort).IsHeld());
     EXPECT_FALSE(IsFree());
 }
 
@@ -179,23 +181,14 @@ TEST_F(NamedMutex, IsOpenToEveryone) {
 TEST_F(NamedMutex, ThatCannotBeCreatedIsNeverWaitedFor) {
     const CHandle event(CreateEventW(nullptr, FALSE, FALSE, Name()));
     ASSERT_TRUE(event);
-    CNamedMutex mutex(Name());
+    const CNamedMutex mutex(Name());
+    EXPECT_EQ(nullptr, mutex.Handle());
     const LockWaits waits(HeldLocks::AreWaitedFor);
-    mutex.Acquire(kLong);
+    CMutexGuard guard(mutex, kLong);
     EXPECT_THAT(waits.TimeOuts(m_name), IsEmpty());
     EXPECT_THAT(waits.TimeOuts(L""), IsEmpty());
-    EXPECT_FALSE(mutex.IsHeld());
-    mutex.Release();
-}
-
-TEST_F(NamedMutex, GoingAwayReleasesItAndClosesIt) {
-    CNamedMutex witness(Name());
-    {
-        CNamedMutex mutex(Name());
-        mutex.Acquire(kLong);
-        ASSERT_FALSE(IsFree());
-    }
-    EXPECT_TRUE(IsFree());
+    EXPECT_FALSE(guard.IsHeld());
+    guard.Release();
 }
 
 TEST_F(NamedMutex, NothingOfTheNameStaysWhenTheLastGoes) {
@@ -206,35 +199,13 @@ TEST_F(NamedMutex, NothingOfTheNameStaysWhenTheLastGoes) {
     EXPECT_FALSE(CHandle(OpenMutexW(SYNCHRONIZE, FALSE, Name())));
 }
 
-TEST_F(NamedMutex, GuardHoldsItForItsLifetime) {
-    CNamedMutex mutex(Name());
-    {
-        const CMutexGuard guard(mutex, kLong);
-        EXPECT_TRUE(mutex.IsHeld());
-        EXPECT_FALSE(IsFree());
-    }
-    EXPECT_FALSE(mutex.IsHeld());
-    EXPECT_TRUE(IsFree());
-}
-
-TEST_F(NamedMutex, GuardGivesBackOnlyOnce) {
-    CNamedMutex outer(Name());
-    CNamedMutex mutex(Name());
-    outer.Acquire(kLong);
-    {
-        const CMutexGuard guard(mutex, kLong);
-        mutex.Release();
-    }
-    EXPECT_FALSE(IsFree()) << "the guard released a second time";
-}
-
 TEST_F(NamedMutex, GuardThatTimesOutLetsTheWorkGoOn) {
     const MutexHolder holder(Name());
-    CNamedMutex mutex(Name());
+    const CNamedMutex mutex(Name());
     bool worked = false;
     {
         const CMutexGuard guard(mutex, kShort);
-        worked = !mutex.IsHeld();
+        worked = !guard.IsHeld();
     }
     EXPECT_TRUE(worked);
     EXPECT_FALSE(IsFree());

@@ -21,12 +21,8 @@ constexpr auto kMappedNoDatabase = static_cast<HRESULT>(0x80041619);
 
 class OpenFailure : public StoreTest {
 protected:
-    void SetUp() override {
-        ASSERT_NO_FATAL_FAILURE(StoreTest::SetUp());
-        m_store.SelectTable(L"TslIf", L"DbActionLog");
-    }
-
-    HRESULT Open(CActionLogStore& store, const std::wstring& fileName, CDatabase* database) {
+    static HRESULT Open(const CActionLogStore& store, const std::wstring& fileName,
+                        CDatabase* database) {
         return store.Open(fileName, L"TslIf", L"DbActionLog", database, TableShape::Action,
                           /*create=*/true);
     }
@@ -37,14 +33,14 @@ protected:
 
     void ExpectReadOnly() const {
         CDatabase database;
-        EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+        EXPECT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
         EXPECT_EQ(kMappedOk, Run(database, L"SELECT * FROM TslIf_DbActionLog"));
         EXPECT_EQ(kMappedReadOnly, Run(database, kInsert));
     }
 
     static constexpr wchar_t kInsert[] = L"INSERT INTO TslIf_DbActionLog (ActionLogId) VALUES (1)";
 
-    CActionLogStore m_store{GetModuleHandleW(nullptr)};
+    const CActionLogStore m_store{GetModuleHandleW(nullptr)};
 };
 
 } // namespace
@@ -52,19 +48,16 @@ protected:
 TEST_F(OpenFailure, WithoutADatabaseIsEPointerWhateverTheName) {
     EXPECT_EQ(E_POINTER, Open(m_store, L"ualog.db", nullptr));
     EXPECT_EQ(E_POINTER, Open(m_store, L"", nullptr));
-    EXPECT_EQ(E_POINTER, m_store.OpenSelected(nullptr));
     EXPECT_FALSE(fs::exists(StoreFolder()));
 }
 
 TEST_F(OpenFailure, WithoutAnEngineIsEPointerWhateverTheName) {
     const ComponentCopy copy;
-    CActionLogStore store(copy.Module());
-    store.SelectTable(L"TslIf", L"DbActionLog");
+    const CActionLogStore store(copy.Module());
     ASSERT_EQ(nullptr, store.Engine());
     CDatabase database;
     EXPECT_EQ(E_POINTER, Open(store, L"ualog.db", &database));
     EXPECT_EQ(E_POINTER, Open(store, L"", &database));
-    EXPECT_EQ(E_POINTER, store.OpenSelected(&database));
     EXPECT_FALSE(database);
     EXPECT_FALSE(fs::exists(StoreFolder()));
 }
@@ -78,7 +71,7 @@ TEST_F(OpenFailure, OfAnEmptyNameIsEInvalidArgAndTouchesNothing) {
 
 TEST_F(OpenFailure, OfAnEmptyNameLeavesNoOlderConnection) {
     CDatabase database;
-    ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+    ASSERT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     EXPECT_EQ(E_INVALIDARG, Open(m_store, L"", &database));
     EXPECT_FALSE(database);
 }
@@ -86,7 +79,7 @@ TEST_F(OpenFailure, OfAnEmptyNameLeavesNoOlderConnection) {
 TEST_F(OpenFailure, OfAFolderInThePlaceOfTheFileIsMapped) {
     fs::create_directories(ActionLogPath());
     CDatabase database;
-    EXPECT_EQ(kMappedCannotOpen, m_store.OpenSelected(&database));
+    EXPECT_EQ(kMappedCannotOpen, Open(m_store, kActionLogFileName, &database));
     EXPECT_TRUE(fs::is_empty(ActionLogPath()));
 }
 
@@ -94,33 +87,33 @@ TEST_F(OpenFailure, OfAFolderThatCannotBeMadeIsMapped) {
     fs::create_directories(StoreFolder().parent_path());
     WriteBytes(StoreFolder(), Bytes{'f', 'i', 'l', 'e'});
     CDatabase database;
-    EXPECT_EQ(kMappedCannotOpen, m_store.OpenSelected(&database));
+    EXPECT_EQ(kMappedCannotOpen, Open(m_store, kActionLogFileName, &database));
     EXPECT_EQ((Bytes{'f', 'i', 'l', 'e'}), ReadBytes(StoreFolder()));
 }
 
 TEST_F(OpenFailure, OfAFileThatSomebodyHoldsAloneIsMapped) {
     ASSERT_EQ(S_OK, [&] {
         CDatabase database;
-        return m_store.OpenSelected(&database);
+        return Open(m_store, kActionLogFileName, &database);
     }());
     const CHandle alone(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, /*share=*/0, nullptr,
                                     OPEN_EXISTING, 0, nullptr));
     ASSERT_TRUE(alone);
     CDatabase database;
     const EngineSleeps sleeps;
-    EXPECT_EQ(kMappedCannotOpen, m_store.OpenSelected(&database));
+    EXPECT_EQ(kMappedCannotOpen, Open(m_store, kActionLogFileName, &database));
 }
 
 TEST_F(OpenFailure, KeepsAConnectionThatIsClosedLater) {
     fs::create_directories(ActionLogPath());
     {
         CDatabase database;
-        ASSERT_TRUE(FAILED(m_store.OpenSelected(&database)));
+        ASSERT_TRUE(FAILED(Open(m_store, kActionLogFileName, &database)));
         EXPECT_TRUE(database) << "the engine gave none";
     }
     fs::remove(ActionLogPath());
     CDatabase database;
-    EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+    EXPECT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
 }
 
 // The engine looks into a file only when a statement needs it.
@@ -129,7 +122,7 @@ TEST_F(OpenFailure, OfATextFileShowsAtTheFirstStatement) {
     const Bytes text(4096, 'x');
     WriteBytes(ActionLogPath(), text);
     CDatabase database;
-    EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+    EXPECT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     EXPECT_EQ(kMappedNoDatabase, Run(database, kInsert));
     EXPECT_EQ(kMappedNoDatabase, Run(database, L"SELECT * FROM TslIf_DbActionLog"));
     database.Close();
@@ -139,7 +132,7 @@ TEST_F(OpenFailure, OfATextFileShowsAtTheFirstStatement) {
 TEST_F(OpenFailure, OfATruncatedDatabaseShowsAtTheFirstStatement) {
     {
         CDatabase database;
-        ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+        ASSERT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     }
     FileDatabase(ActionLogPath())
         .Query("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 500) "
@@ -147,23 +140,23 @@ TEST_F(OpenFailure, OfATruncatedDatabaseShowsAtTheFirstStatement) {
                "'a text that takes some room' FROM n");
     fs::resize_file(ActionLogPath(), fs::file_size(ActionLogPath()) / 2048 / 2 * 2048);
     CDatabase database;
-    EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+    EXPECT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     EXPECT_EQ(kMappedCorrupt, Run(database, L"SELECT COUNT(AppName) FROM TslIf_DbActionLog"));
 }
 
 TEST_F(OpenFailure, OfALockedFileShowsAtTheFirstStatement) {
     {
         CDatabase database;
-        ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+        ASSERT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     }
     const FileDatabase other(ActionLogPath());
     other.Query("BEGIN EXCLUSIVE");
     CDatabase database;
     {
         const EngineSleeps sleeps;
-        EXPECT_EQ(S_OK, m_store.OpenSelected(&database));
+        EXPECT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
         EXPECT_EQ(kMappedBusy, Run(database, kInsert));
-        EXPECT_EQ(2u, sleeps.Seconds());
+        EXPECT_EQ(2u, sleeps.Waits(kWriteWait));
     }
     other.Query("COMMIT");
     EXPECT_EQ(kMappedOk, Run(database, kInsert));
@@ -174,7 +167,7 @@ TEST_F(OpenFailure, OfALockedFileShowsAtTheFirstStatement) {
 TEST_F(OpenFailure, OfAFileThatMayOnlyBeReadShowsAtTheFirstWrite) {
     {
         CDatabase database;
-        ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+        ASSERT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     }
     const CHandle reader(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, FILE_SHARE_READ,
                                      nullptr, OPEN_EXISTING, 0, nullptr));
@@ -185,7 +178,7 @@ TEST_F(OpenFailure, OfAFileThatMayOnlyBeReadShowsAtTheFirstWrite) {
 TEST_F(OpenFailure, OfAFileWithTheReadOnlyAttributeShowsAtTheFirstWrite) {
     {
         CDatabase database;
-        ASSERT_EQ(S_OK, m_store.OpenSelected(&database));
+        ASSERT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
     }
     ASSERT_TRUE(SetFileAttributesW(ActionLogPath().c_str(), FILE_ATTRIBUTE_READONLY));
     if (CHandle(CreateFileW(ActionLogPath().c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,

@@ -125,7 +125,7 @@ TEST_F(Schema, FailuresOfTheEngineAreMapped) {
     const EngineSleeps sleeps;
     EXPECT_EQ(kMappedBusy, CreateActionTable(&m_engine, m_database, L"TslIf", L"DbActionLog"));
     EXPECT_EQ(kMappedBusy, CreateRecordIdTable(&m_engine, m_database, L"TslIf", L"ActionRecordId"));
-    EXPECT_EQ(2u, sleeps.Seconds());
+    EXPECT_EQ(2u, sleeps.Waits(kWriteWait));
 }
 
 TEST(SchemaName, IsPrefixUnderscoreName) {

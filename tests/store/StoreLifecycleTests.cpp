@@ -1,4 +1,4 @@
-// A store from its construction to its end: names, flags, locks, the engine.
+// A store from its construction to its end: its locks and its engine.
 #include <optional>
 
 #include "store/ActionLogStore.h"
@@ -6,24 +6,19 @@
 #include "tests/support/FileDatabase.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/MutexHolder.h"
+#include "tests/support/OpenTarget.h"
+#include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
 
 namespace {
 
-constexpr wchar_t kSqliteAccess[] = L"Global\\TslIfDbActionLog_SQLiteAccess";
-constexpr wchar_t kLogId[] = L"Global\\TslIfDbActionLog_LogId";
-
 HMODULE ThisProgram() {
     return GetModuleHandleW(nullptr);
 }
 
-bool MutexExists(const wchar_t* name) {
-    return static_cast<bool>(CHandle(OpenMutexW(SYNCHRONIZE, FALSE, name)));
-}
-
-// The order in which a store gets its mutexes and its engine, and gives its locks back.
+// The order in which a store gets its mutexes and its engine, and lets go of them.
 struct Steps {
     decltype(&CreateMutexW) createMutex = &CreateMutexW;
     decltype(&LoadLibraryW) loadLibrary = &LoadLibraryW;
@@ -44,7 +39,8 @@ HMODULE WINAPI NoteLoadLibrary(const wchar_t* name) {
 }
 
 BOOL WINAPI NoteFreeLibrary(HMODULE module) {
-    g_steps->taken.emplace_back(L"free library");
+    const bool locks = MutexExists(kSqliteAccessLock) || MutexExists(kLogIdLock);
+    g_steps->taken.emplace_back(locks ? L"free library" : L"free library, without its locks");
     return g_steps->freeLibrary(module);
 }
 
@@ -69,15 +65,11 @@ protected:
 
 } // namespace
 
-TEST_F(StoreLifecycle, StartsEmptyOnTheActionLogWithoutLocks) {
-    CActionLogStore store(ThisProgram());
-    EXPECT_EQ(L"", store.Prefix());
-    EXPECT_EQ(L"", store.Name());
-    EXPECT_EQ(L"ualog.db", store.DatabaseName());
-    EXPECT_EQ(0u, store.RecordIdCounter());
-    EXPECT_EQ(0u, store.LogKind());
-    EXPECT_FALSE(store.SqliteAccessLock().IsHeld());
-    EXPECT_FALSE(store.LogIdLock().IsHeld());
+TEST_F(StoreLifecycle, StartsWithAnEngineAndWithoutHoldingAnything) {
+    const CActionLogStore store(ThisProgram());
+    EXPECT_TRUE(MutexIsFree(kSqliteAccessLock));
+    EXPECT_TRUE(MutexIsFree(kLogIdLock));
+    EXPECT_EQ(nullptr, store.ContentStore().Get().Get());
     EXPECT_NE(nullptr, store.Engine());
     EXPECT_FALSE(std::filesystem::exists(StoreFolder())) << "nothing is opened before it is used";
 }
@@ -89,33 +81,30 @@ TEST_F(StoreLifecycle, MakesItsMutexesThenLoadsItsEngine) {
         const ImportHook load("LoadLibraryW", &NoteLoadLibrary);
         store.emplace(ThisProgram());
     }
-    const std::vector<std::wstring> expected = {kSqliteAccess, kLogId, L"SQLite3.dll"};
+    const std::vector<std::wstring> expected = {kSqliteAccessLock, kLogIdLock, L"SQLite3.dll"};
     EXPECT_EQ(expected, m_steps.taken);
 }
 
-TEST_F(StoreLifecycle, EndReleasesHeldLocksThenFreesTheEngine) {
+TEST_F(StoreLifecycle, EndClosesItsLocksAndThenFreesTheEngine) {
     std::optional<CActionLogStore> store(ThisProgram());
-    store->SqliteAccessLock().Acquire(kSqliteAccessTimeoutMilliseconds);
-    store->LogIdLock().Acquire(kLogIdTimeoutMilliseconds);
     {
         const ImportHook release("ReleaseMutex", &NoteReleaseMutex);
         const ImportHook free("FreeLibrary", &NoteFreeLibrary);
         store.reset();
     }
-    const std::vector<std::wstring> expected = {L"release mutex", L"release mutex",
-                                                L"free library"};
-    EXPECT_EQ(expected, m_steps.taken);
-    EXPECT_FALSE(MutexExists(kSqliteAccess));
-    EXPECT_FALSE(MutexExists(kLogId));
+    const std::vector<std::wstring> expected = {L"free library, without its locks"};
+    EXPECT_EQ(expected, m_steps.taken) << "a lock belongs to its guard";
+    EXPECT_FALSE(MutexExists(kSqliteAccessLock));
+    EXPECT_FALSE(MutexExists(kLogIdLock));
 }
 
 TEST_F(StoreLifecycle, EndLetsAnotherBeTheFirstCreator) {
     {
         const CActionLogStore store(ThisProgram());
-        EXPECT_TRUE(MutexExists(kSqliteAccess));
-        EXPECT_TRUE(MutexExists(kLogId));
+        EXPECT_TRUE(MutexExists(kSqliteAccessLock));
+        EXPECT_TRUE(MutexExists(kLogIdLock));
     }
-    for (const wchar_t* const name : {kSqliteAccess, kLogId}) {
+    for (const wchar_t* const name : {kSqliteAccessLock, kLogIdLock}) {
         SetLastError(0);
         const CHandle first(CreateMutexW(nullptr, FALSE, name));
         EXPECT_TRUE(first);
@@ -135,91 +124,51 @@ TEST_F(StoreLifecycle, EndFreesItsEngine) {
 
 TEST_F(StoreLifecycle, WithoutAnEngineTheStoreAndItsLocksStillWork) {
     const ComponentCopy copy;
-    CActionLogStore store(copy.Module());
+    const CActionLogStore store(copy.Module());
     EXPECT_EQ(nullptr, store.Engine());
-    EXPECT_EQ(S_OK, store.SelectTable(L"TslIf", L"DbActionLog"));
-    EXPECT_EQ(L"TslIf_DbActionLog", store.SelectedTable());
-    store.SqliteAccessLock().Acquire(kSqliteAccessTimeoutMilliseconds);
-    EXPECT_TRUE(store.SqliteAccessLock().IsHeld());
+    const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
+    EXPECT_TRUE(lock.IsHeld());
     CDatabase database;
-    EXPECT_EQ(E_POINTER, store.OpenSelected(&database));
+    EXPECT_EQ(E_POINTER, OpenTarget(store, Target{}, &database));
 }
 
 TEST_F(StoreLifecycle, WhoseMutexesCannotBeMadeWorksUnlocked) {
-    const CHandle access(CreateEventW(nullptr, FALSE, FALSE, kSqliteAccess));
-    const CHandle logId(CreateEventW(nullptr, FALSE, FALSE, kLogId));
+    const CHandle access(CreateEventW(nullptr, FALSE, FALSE, kSqliteAccessLock));
+    const CHandle logId(CreateEventW(nullptr, FALSE, FALSE, kLogIdLock));
     ASSERT_TRUE(access);
     ASSERT_TRUE(logId);
-    CActionLogStore store(ThisProgram());
-    store.SelectTable(L"TslIf", L"DbActionLog");
+    const CActionLogStore store(ThisProgram());
     const CMutexGuard guard(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    EXPECT_FALSE(store.SqliteAccessLock().IsHeld());
+    EXPECT_FALSE(guard.IsHeld());
     CDatabase database;
-    EXPECT_EQ(S_OK, store.OpenSelected(&database));
+    EXPECT_EQ(S_OK, OpenTarget(store, Target{}, &database));
     EXPECT_EQ("0", FileDatabase(ActionLogPath()).Value("SELECT COUNT(*) FROM TslIf_DbActionLog"));
 }
 
 // The one test that really waits for this lock; the others look at the time-out.
 TEST_F(StoreLifecycle, BusyAccessLockIsGivenUpAfterThreeSecondsAndTheWorkGoesOn) {
-    const MutexHolder holder(kSqliteAccess);
-    CActionLogStore store(ThisProgram());
-    store.SelectTable(L"TslIf", L"DbActionLog");
+    const MutexHolder holder(kSqliteAccessLock);
+    const CActionLogStore store(ThisProgram());
     const ULONGLONG start = GetTickCount64();
     const CMutexGuard guard(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
     const ULONGLONG waited = GetTickCount64() - start;
     EXPECT_GE(waited, 2900u);
     EXPECT_LT(waited, 5000u);
-    EXPECT_FALSE(store.SqliteAccessLock().IsHeld());
+    EXPECT_FALSE(guard.IsHeld());
     CDatabase database;
-    EXPECT_EQ(S_OK, store.OpenSelected(&database));
+    EXPECT_EQ(S_OK, OpenTarget(store, Target{}, &database));
 }
 
 TEST_F(StoreLifecycle, LocksDoNotHinderEachOther) {
-    const MutexHolder holder(kSqliteAccess);
-    CActionLogStore store(ThisProgram());
-    store.LogIdLock().Acquire(kLogIdTimeoutMilliseconds);
-    EXPECT_TRUE(store.LogIdLock().IsHeld());
+    const MutexHolder holder(kSqliteAccessLock);
+    const CActionLogStore store(ThisProgram());
+    const CMutexGuard guard(store.LogIdLock(), kLogIdTimeoutMilliseconds);
+    EXPECT_TRUE(guard.IsHeld());
 }
 
 TEST(StoreLockTimeouts, AreThreeAndTenSeconds) {
     EXPECT_EQ(3000u, kSqliteAccessTimeoutMilliseconds);
     EXPECT_EQ(10000u, kLogIdTimeoutMilliseconds);
-}
-
-TEST(StoreSelection, KeepsTheTableOfTheLastCall) {
-    CActionLogStore store(ThisProgram());
-    EXPECT_EQ(S_OK, store.SelectTable(L"TslIf", L"ActionReplay"));
-    EXPECT_EQ(S_OK, store.SelectTable(L"TslIf", L"DbActionLog"));
-    EXPECT_EQ(L"TslIf", store.Prefix());
-    EXPECT_EQ(L"DbActionLog", store.Name());
-    EXPECT_EQ(S_OK, store.SelectTable(L"", L""));
-    EXPECT_EQ(L"", store.Prefix());
-    EXPECT_EQ(L"", store.Name());
-}
-
-TEST(StoreSelection, EmptyDatabaseNameIsTheActionLog) {
-    CActionLogStore store(ThisProgram());
-    store.SelectDatabase(L"uareplay.db");
-    EXPECT_EQ(L"uareplay.db", store.DatabaseName());
-    store.SelectDatabase(L"");
-    EXPECT_EQ(L"ualog.db", store.DatabaseName());
-    store.SelectDatabase(L"uareplay.db");
-    store.SelectActionLogDatabase();
-    EXPECT_EQ(L"ualog.db", store.DatabaseName());
-}
-
-TEST(StoreSelection, BelongsToOneStore) {
-    CActionLogStore first(ThisProgram());
-    CActionLogStore second(ThisProgram());
-    first.SelectDatabase(L"uareplay.db");
-    first.SelectTable(L"TslIf", L"ActionReplay");
-    first.SetLogKind(4);
-    first.RecordIdCounter() = 9;
-    EXPECT_EQ(L"ualog.db", second.DatabaseName());
-    EXPECT_EQ(L"", second.Name());
-    EXPECT_EQ(0u, second.LogKind());
-    EXPECT_EQ(0u, second.RecordIdCounter());
-    EXPECT_EQ(4u, first.LogKind());
 }
 
 } // namespace tsl::test

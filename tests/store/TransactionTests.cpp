@@ -74,7 +74,7 @@ TEST_F(Transaction, TellsABusyFileAtItsBegin) {
     CTransaction transaction(m_database);
     const EngineSleeps sleeps;
     EXPECT_EQ(kBusy, transaction.Begin());
-    EXPECT_EQ(1u, sleeps.Seconds());
+    EXPECT_EQ(1u, sleeps.Waits(kWriteWait));
     other.Query("COMMIT");
     EXPECT_EQ(kSqliteOk, transaction.Begin());
 }
@@ -125,7 +125,7 @@ TEST_F(Transaction, WhoseCommitFailsIsRolledBack) {
         ASSERT_EQ("0", other.Value("SELECT COUNT(*) FROM t"));
         const EngineSleeps sleeps;
         EXPECT_EQ(kBusy, transaction.Commit());
-        EXPECT_EQ(1u, sleeps.Seconds()) << "a reader may take its time, but not all of it";
+        EXPECT_EQ(1u, sleeps.Waits(kWriteWait)) << "a reader may take its time, but not all of it";
     }
     other.Query("COMMIT");
     EXPECT_EQ("0", Count());

@@ -5,6 +5,11 @@
 
 namespace tsl::test {
 
+// How long the engine waits each time for those who are in a file, by what its connection is for.
+inline constexpr DWORD kReadWait = 700;
+inline constexpr DWORD kWriteWait = 1400;
+inline constexpr DWORD kConvertWait = 350;
+
 // While it lives, the loaded engine does not sleep. It tries as often as ever: what it counts is
 // the time that it asked for. For one thread, one at a time.
 class EngineSleeps {
@@ -13,9 +18,9 @@ public:
     EngineSleeps(const EngineSleeps&) = delete;
     EngineSleeps& operator=(const EngineSleeps&) = delete;
 
-    // Asked for so far, all together, in whole seconds: a busy file is tried again for one, and
-    // each try may take some milliseconds beside it.
-    DWORD Seconds() const { return s_asked / 1000; }
+    // How many whole waits of this length were asked for so far: each try of a busy file may take
+    // some milliseconds beside its wait.
+    DWORD Waits(DWORD milliseconds) const { return s_asked / milliseconds; }
 
 private:
     static void WINAPI Note(DWORD milliseconds) { s_asked += milliseconds; }
