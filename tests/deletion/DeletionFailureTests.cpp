@@ -62,10 +62,13 @@ TEST_F(DeletionFailure, OfAFileInPlaceOfTheFolderIsOneOfTheOpen) {
     fs::remove(StoreFolder());
 }
 
-TEST_F(DeletionFailure, OfTheOpenComesBeforeAMissingUser) {
+TEST_F(DeletionFailure, OfTheOpenComesBeforeAMissingOrUnreadableUser) {
     fs::create_directories(ActionLogPath());
     EXPECT_EQ(E_POINTER, Delete(ContainerBuilder().Ui4(kKeyFirstRecordId, 1)));
     EXPECT_EQ(kEngineCannotOpen, Delete(ContainerBuilder()));
+    ScriptedContainer range(TimeRange().Get());
+    range.getResults[kKeyUserId] = E_ACCESSDENIED;
+    EXPECT_EQ(kEngineCannotOpen, Delete(&range)) << "nor is a failure to read it told";
 }
 
 TEST_F(DeletionFailure, OfATableWithOtherColumnsIsOneOfThePrepare) {
@@ -89,7 +92,7 @@ TEST_F(DeletionFailure, OfABusyDatabaseIsTold) {
     other.Query("BEGIN IMMEDIATE");
     const EngineSleeps sleeps;
     ExpectFailure(kEngineBusy);
-    EXPECT_EQ(3u, sleeps.Seconds()) << "a second for each form";
+    EXPECT_EQ(3u, sleeps.Waits(kWriteWait)) << "one for each form";
     other.Query("ROLLBACK");
     ExpectAllAreLeftAndCanBeDeleted();
 }

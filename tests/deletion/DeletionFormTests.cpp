@@ -115,9 +115,8 @@ TEST_F(DeletionForm, NumbersOfKeysOfOtherTypesMakeNoIdRange) {
 }
 
 TEST_F(DeletionForm, MissingContainerIsAnInvalidArgument) {
-    CActionLogStore store(GetModuleHandleW(nullptr));
-    store.SelectTable(kTablePrefix, kActionLogTable);
-    EXPECT_EQ(E_INVALIDARG, DeleteRecords(store, nullptr));
+    const CActionLogStore store(GetModuleHandleW(nullptr));
+    EXPECT_EQ(E_INVALIDARG, DeleteRecords(store, Target{}, nullptr));
     EXPECT_FALSE(std::filesystem::exists(ActionLogPath()));
 }
 
@@ -128,28 +127,25 @@ TEST_F(DeletionForm, NothingToCallIsRefusedByTheInterface) {
     EXPECT_FALSE(std::filesystem::exists(ActionLogPath()));
 }
 
-TEST_F(DeletionForm, SelectedTableIsTheOneThatLosesTheRecord) {
+TEST_F(DeletionForm, TableOfTheTargetIsTheOneThatLosesTheRecord) {
     Prepare(kFourDays);
     FileDatabase(ActionLogPath())
         .Query("CREATE TABLE TslIf_ContentDeleteProperty AS SELECT * FROM TslIf_DbActionLog");
-    CActionLogStore store(GetModuleHandleW(nullptr));
-    store.SelectTable(kTablePrefix, kContentDeleteTable);
-    store.SetLogKind(1);
-    EXPECT_EQ(S_OK, DeleteRecords(store, OneRecord()));
+    const CActionLogStore store(GetModuleHandleW(nullptr));
+    const Target target{kActionLogFileName, kContentDeleteTable, /*logKind=*/1};
+    EXPECT_EQ(S_OK, DeleteRecords(store, target, OneRecord()));
     EXPECT_EQ("1 2 3 4", Left());
     EXPECT_EQ("1,3,4", FileDatabase(ActionLogPath())
                            .Value("SELECT group_concat(ActionLogId) "
                                   "FROM TslIf_ContentDeleteProperty"));
 }
 
-TEST_F(DeletionForm, SelectedDatabaseIsTheOneThatLosesTheRecord) {
+TEST_F(DeletionForm, FileOfTheTargetIsTheOneThatLosesTheRecord) {
     Prepare(kFourDays);
     std::filesystem::copy_file(ActionLogPath(), ReplayPath());
-    CActionLogStore store(GetModuleHandleW(nullptr));
-    store.SelectTable(kTablePrefix, kActionLogTable);
-    store.SelectDatabase(kReplayFileName);
-    store.SetLogKind(1);
-    EXPECT_EQ(S_OK, DeleteRecords(store, OneRecord()));
+    const CActionLogStore store(GetModuleHandleW(nullptr));
+    const Target target{kReplayFileName, kActionLogTable, /*logKind=*/1};
+    EXPECT_EQ(S_OK, DeleteRecords(store, target, OneRecord()));
     EXPECT_EQ("1 2 3 4", Left());
     EXPECT_EQ(3, CountRows(ReplayPath(), kActionLogRows));
 }

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "tests/deletion/DeletionFixture.h"
+#include "tests/support/EngineWrites.h"
 #include "tests/support/LockWaits.h"
 #include "tests/support/LockWatchingContainer.h"
 #include "tests/support/MutexHolder.h"
@@ -22,28 +23,38 @@ protected:
     }
 };
 
-TEST_F(DeletionLock, IsTakenAfterTheBoundsAndBeforeTheUser) {
+TEST_F(DeletionLock, IsHeldWhileRowsAreDeletedAndFreeWhileTheContainerIsRead) {
     using Reads = std::map<UINT64, bool>;
-    LockWatchingContainer ids(IdRange(4).Get());
-    EXPECT_EQ(S_OK, Delete(&ids));
-    EXPECT_EQ((Reads{{kKeyRecordToTake, true},
-                     {kKeyFirstRecordId, true},
-                     {kKeyLastRecordId, true},
-                     {kKeyUserId, false}}),
-              ids.lockWasFree);
-    LockWatchingContainer times(TimeRange().Date(kKeyStartTime, 40003).Get());
-    EXPECT_EQ(S_OK, Delete(&times));
-    EXPECT_EQ((Reads{{kKeyRecordToTake, true},
-                     {kKeyStartTime, true},
-                     {kKeyEndTime, true},
-                     {kKeyUserId, false}}),
-              times.lockWasFree);
+    {
+        LockWatchingContainer ids(IdRange(4).Get());
+        const EngineWrites writes;
+        EXPECT_EQ(S_OK, Delete(&ids));
+        EXPECT_TRUE(writes.WereUnderTheLock());
+        EXPECT_EQ((Reads{{kKeyRecordToTake, true},
+                         {kKeyFirstRecordId, true},
+                         {kKeyLastRecordId, true},
+                         {kKeyUserId, true}}),
+                  ids.lockWasFree);
+    }
+    {
+        LockWatchingContainer times(TimeRange().Date(kKeyStartTime, 40003).Get());
+        const EngineWrites writes;
+        EXPECT_EQ(S_OK, Delete(&times));
+        EXPECT_TRUE(writes.WereUnderTheLock());
+        EXPECT_EQ((Reads{{kKeyRecordToTake, true},
+                         {kKeyStartTime, true},
+                         {kKeyEndTime, true},
+                         {kKeyUserId, true}}),
+                  times.lockWasFree);
+    }
     EXPECT_EQ("1 2", Left());
 }
 
 TEST_F(DeletionLock, OfOneRecordNeedsNothingElseOfTheContainer) {
     LockWatchingContainer one(OneRecord().Ui4(kKeyUserId, 7).Get());
+    const EngineWrites writes;
     EXPECT_EQ(S_OK, Delete(&one));
+    EXPECT_TRUE(writes.WereUnderTheLock());
     EXPECT_EQ((std::map<UINT64, bool>{{kKeyRecordToTake, true}}), one.lockWasFree);
 }
 

@@ -39,15 +39,14 @@ TEST_F(DeletionWithoutEngine, IsABadPointerForEachForm) {
 
 TEST_F(DeletionWithoutEngine, ReadsNothingButTheForm) {
     const ComponentCopy copy;
-    CActionLogStore store(copy.Module());
+    const CActionLogStore store(copy.Module());
     ASSERT_EQ(nullptr, store.Engine());
-    store.SelectTable(kTablePrefix, kActionLogTable);
     for (const auto form : kForms) {
         ScriptedContainer container(form(2).Get());
-        EXPECT_EQ(E_POINTER, DeleteRecords(store, &container));
+        EXPECT_EQ(E_POINTER, DeleteRecords(store, Target{}, &container));
         EXPECT_EQ(std::vector<UINT64>{kKeyRecordToTake}, container.keysRead);
     }
-    EXPECT_EQ(E_INVALIDARG, DeleteRecords(store, nullptr));
+    EXPECT_EQ(E_INVALIDARG, DeleteRecords(store, Target{}, nullptr));
     EXPECT_FALSE(std::filesystem::exists(UserIdListPath()));
 }
 

@@ -32,7 +32,6 @@ protected:
         EXPECT_EQ("", IdsIn(kActionLogRows));
         EXPECT_EQ(kFullText, ParametersOf(kTakenRows, id));
         EXPECT_EQ(kFullText, ParametersOf(kReplayRows, id));
-        EXPECT_EQ(L"ualog.db", Store().DatabaseName());
     }
 };
 
@@ -127,7 +126,7 @@ TEST_F(DeleteCopy, IsMadeOnceForBothLogs) {
 
 TEST_F(DeleteCopy, IsNotMadeOfOtherActionsOrUnderOtherKinds) {
     EXPECT_EQ(S_OK, Dispatch(FullAction(5, L"playItem")));
-    Store().SetLogKind(4);
+    m_target.logKind = 4;
     EXPECT_EQ(S_OK, Dispatch(FullAction(6, L"deleteItem")));
     EXPECT_EQ(0, Containers().steps);
 }

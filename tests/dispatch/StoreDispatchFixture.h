@@ -18,7 +18,6 @@ namespace tsl::test {
 class StoreDispatchTest : public RecordStoreTest {
 protected:
     void TearDown() override {
-        EXPECT_FALSE(Store().SqliteAccessLock().IsHeld());
         EXPECT_TRUE(MutexIsFree(kSqliteAccessLock));
         EXPECT_EQ(0, m_containers.live) << "a container is still held";
         RecordStoreTest::TearDown();
@@ -28,8 +27,7 @@ protected:
     void RevokeContainerClass() { m_class.reset(); }
 
     HRESULT Dispatch(ITslParamContainer* action) {
-        Store().SelectTable(kTablePrefix, kActionLogTable);
-        return DispatchAction(Store(), *action);
+        return DispatchAction(Store(), m_target, *action);
     }
 
     // Makes the three tables, without rows, and forgets the containers that it took.
@@ -37,11 +35,6 @@ protected:
         ASSERT_EQ(S_OK, Dispatch(Action(1, L"deleteItem")));
         EmptyTables();
         m_containers.Restart();
-    }
-
-    void Select(const wchar_t* file, const wchar_t* table) {
-        Store().SelectDatabase(file);
-        Store().SelectTable(kTablePrefix, table);
     }
 
 private:

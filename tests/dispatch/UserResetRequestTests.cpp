@@ -13,9 +13,10 @@ protected:
         for (const char* const table : {kActionLogRows, kTakenRows, kReplayRows}) {
             Fill(table, {.firstId = 11, .count = 3});
         }
-        Select(kActionLogFileName, kActionLogTable);
     }
-    HRESULT Reset(ITslParamContainer* container) { return ResetUserRecords(Store(), container); }
+    HRESULT Reset(ITslParamContainer* container, const Target& target = {.logKind = 1}) {
+        return ResetUserRecords(Store(), target, container);
+    }
     static ContainerBuilder OfUser(UINT32 user = 7) {
         return ContainerBuilder().Ui4(kKeyUserId, user);
     }
@@ -42,21 +43,25 @@ TEST_F(UserResetRequest, NeedsNoMoreThanAUser) {
     EXPECT_EQ("11 12 13", IdsIn(kActionLogRows));
 }
 
-TEST_F(UserResetRequest, WorksOnTheSelectedTable) {
-    Select(kActionLogFileName, kContentDeleteTable);
-    EXPECT_EQ(S_OK, Reset(OfUser()));
+TEST_F(UserResetRequest, WorksOnTheTableOfItsTarget) {
+    EXPECT_EQ(S_OK, Reset(OfUser(), {kActionLogFileName, kContentDeleteTable, 1}));
     EXPECT_EQ("11 12 13", IdsIn(kActionLogRows));
     EXPECT_EQ("", IdsIn(kTakenRows));
     EXPECT_EQ("11 12 13", IdsIn(kReplayRows));
 }
 
-TEST_F(UserResetRequest, WorksOnTheSelectedDatabaseAndKeepsItSelected) {
-    Select(kReplayFileName, kReplayTable);
-    EXPECT_EQ(S_OK, Reset(OfUser()));
+TEST_F(UserResetRequest, WorksOnTheFileOfItsTarget) {
+    EXPECT_EQ(S_OK, Reset(OfUser(), {kReplayFileName, kReplayTable, 1}));
     EXPECT_EQ("11 12 13", IdsIn(kActionLogRows));
+    EXPECT_EQ("11 12 13", IdsIn(kTakenRows));
     EXPECT_EQ("", IdsIn(kReplayRows));
-    EXPECT_EQ(kReplayFileName, Store().DatabaseName());
-    EXPECT_EQ(kReplayTable, Store().Name());
+}
+
+TEST_F(UserResetRequest, WorksUnderTheLogKindOfItsTarget) {
+    EXPECT_EQ(S_OK, Reset(OfUser(), {.logKind = 4}));
+    EXPECT_EQ("11 12 13", IdsIn(kActionLogRows));
+    EXPECT_EQ(S_OK, Reset(OfUser(), {.logKind = 1}));
+    EXPECT_EQ("", IdsIn(kActionLogRows));
 }
 
 TEST_F(UserResetRequest, ReportsAClassThatIsNotThere) {

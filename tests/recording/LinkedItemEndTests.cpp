@@ -71,6 +71,7 @@ TEST(LinkedItemEnd, ComesWithTheFirstValueOfAnotherType) {
             item.I4(key, static_cast<INT32>(number));
             EXPECT_EQ(Ok(text), Build(LinkedAction(item), kLinkedLogKind));
         }
+        if (key == kKeyUllValues) continue; // an empty value is an empty list there
         ContainerBuilder emptied = WholeItem();
         emptied.Set(key, CVariant());
         EXPECT_EQ(Ok(text), Build(LinkedAction(emptied), kLinkedLogKind));
