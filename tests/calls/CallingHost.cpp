@@ -158,6 +158,8 @@ public:
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* /*outer*/, REFIID asked,
                                              void** result) override {
         m_host.Enter(HostMethod::CreateInstance);
+        *result = nullptr;
+        if (m_host.givesNoObject) return S_OK;
         return m_object ? m_object->QueryInterface(asked, result)
                         : m_host.CreateContainer(asked, result);
     }
@@ -193,10 +195,13 @@ CallingHost::CallingHost() : m_classes(std::make_shared<Classes>(*this)) {
 }
 
 void CallingHost::Enter(HostMethod method) {
-    if (m_isInside || !onCall) return;
+    if (m_isInside || s_quiet > 0 || !onCall) return;
     m_isInside = true;
+    const struct Leaver {
+        bool& isInside;
+        ~Leaver() { isInside = false; } // also when it raises
+    } leaver{m_isInside};
     onCall(method);
-    m_isInside = false;
 }
 
 CComPtr<ITslParamContainer> CallingHost::Argument(CComPtr<CTslParamContainer> values) {
@@ -212,6 +217,7 @@ HRESULT CallingHost::CreateContainer(REFIID iid, void** result) {
 }
 
 std::string AnswerText(const VARIANT& answer) {
+    const CallingHost::Quiet quiet;
     if (answer.vt == VT_EMPTY) return "nothing";
     if (answer.vt == VT_UNKNOWN) return ContainerText(answer.punkVal);
     VARIANT shared = answer; // a view only reads it

@@ -52,9 +52,21 @@ public:
     // For SetHost. The caller's is the only reference.
     CComPtr<ITslHost> HostObject();
 
+    // Creations answer success and give no object.
+    bool givesNoObject = false;
+
     ContentStoreDouble contentStore;
     // What went to the property sink.
     std::string sunk;
+
+    // While it lives, no host's methods run anything: it is the test that calls them.
+    class Quiet {
+    public:
+        Quiet() { ++s_quiet; }
+        Quiet(const Quiet&) = delete;
+        Quiet& operator=(const Quiet&) = delete;
+        ~Quiet() { --s_quiet; }
+    };
 
 private:
     HRESULT CreateContainer(REFIID iid, void** result);
@@ -63,6 +75,7 @@ private:
     struct Classes;
     std::shared_ptr<Classes> m_classes;
     bool m_isInside = false;
+    static inline int s_quiet = 0;
 };
 
 // The answer of a command: each container with its values, in order.

@@ -1,0 +1,115 @@
+// How long a call can wait for others, at the worst.
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "component/host/CommandCodes.h"
+#include "tests/calls/CallsFixture.h"
+#include "tests/support/Containers.h"
+#include "tests/support/FileDatabase.h"
+#include "tests/support/ImportHook.h"
+#include "tests/support/LockWaits.h"
+#include "tests/support/MutexHolder.h"
+
+namespace tsl::test {
+
+namespace {
+
+using ::testing::ElementsAre;
+
+// The engine does not sleep while it lives; what it asks for is counted, and handed to a test that
+// changes what it meets.
+class Sleeps {
+public:
+    explicit Sleeps(std::function<void(DWORD soFar)> onSleep = nullptr) {
+        s_asked = 0;
+        s_onSleep = std::move(onSleep);
+    }
+    Sleeps(const Sleeps&) = delete;
+    Sleeps& operator=(const Sleeps&) = delete;
+    ~Sleeps() { s_onSleep = nullptr; }
+
+    DWORD Milliseconds() const { return s_asked; }
+
+private:
+    static void WINAPI Note(DWORD milliseconds) {
+        s_asked += milliseconds;
+        if (s_onSleep) s_onSleep(s_asked);
+    }
+
+    static inline DWORD s_asked = 0;
+    static inline std::function<void(DWORD)> s_onSleep;
+
+    ImportHook m_hook{GetModuleHandleW(L"SQLite3.dll"), "Sleep", &Note};
+};
+
+constexpr DWORD kAccessTimeout = 3000;
+
+} // namespace
+
+class Waits : public CallsTest {
+protected:
+    ContainerBuilder OfUser() { return ContainerBuilder().Ui4(kKeyUserId, 7); }
+};
+
+TEST_F(Waits, ForTheRecordIdLockAreOneInAQueryByIds) {
+    const MutexHolder holder(kLogIdLock);
+    const LockWaits waits(HeldLocks::AreGivenUpAtOnce, kComponentLibrary);
+    CVariant answer;
+    EXPECT_EQ(S_OK, Plugin().Request(kCommandQueryIds, OfUser().Ui4(kKeyFirstRecordId, 2), nullptr,
+                                     answer.Address()));
+    EXPECT_THAT(waits.TimeOuts(kLogIdLock), ElementsAre(10000));
+    EXPECT_THAT(waits.TimeOuts(kSqliteAccessLock), ElementsAre(3000));
+}
+
+TEST_F(Waits, InsideTheEngineStayBelowThatForTheLock) {
+    for (const char* const hold : {"BEGIN EXCLUSIVE", "BEGIN IMMEDIATE", "BEGIN"}) {
+        for (const HostCommand& command : HostCommands()) {
+            SCOPED_TRACE(std::string(command.name) + " meets " + hold);
+            const FileDatabase log(ActionLogPath());
+            const FileDatabase replay(ReplayPath());
+            for (const FileDatabase* const database : {&log, &replay}) {
+                database->Query(hold);
+                database->Query("SELECT COUNT(*) FROM sqlite_master");
+            }
+            // A command can have several operations, each with a wait of its own for the lock.
+            DWORD longest = 0;
+            DWORD before = 0;
+            const Sleeps sleeps;
+            const auto endOperation = [&] {
+                longest = std::max(longest, sleeps.Milliseconds() - before);
+                before = sleeps.Milliseconds();
+            };
+            Host().onCall = [&](HostMethod) { endOperation(); };
+            CallByHost(command, Plugin(), Turn::First);
+            endOperation();
+            Host().onCall = nullptr;
+            EXPECT_LT(longest, kAccessTimeout);
+        }
+    }
+}
+
+// Who is in the file goes on as soon as the engine has nearly given up, and is there again.
+TEST_F(Waits, OfARecordThatMeetsSomebodyAtEachStepStayBelowThatForTheLock) {
+    const FileDatabase replay(ReplayPath());
+    replay.Query("BEGIN EXCLUSIVE");
+    bool reads = false;
+    DWORD soFar = 0;
+    {
+        const Sleeps sleeps([&](DWORD asked) {
+            soFar = asked;
+            if (reads || asked < 1300) return;
+            reads = true;
+            replay.Query("COMMIT");
+            replay.Query("BEGIN");
+            replay.Query("SELECT COUNT(*) FROM TslIf_ActionReplay");
+        });
+        EXPECT_EQ(static_cast<HRESULT>(0x80041604),
+                  Plugin().Notify(kCommandRecordAction, Action(31, L"playItem")));
+    }
+    EXPECT_TRUE(reads);
+    EXPECT_GT(soFar, 2000u) << "both steps were waited for";
+    EXPECT_LT(soFar, kAccessTimeout);
+}
+
+} // namespace tsl::test
