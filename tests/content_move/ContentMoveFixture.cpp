@@ -13,7 +13,7 @@ CVariant TextOrNull(const std::optional<std::wstring>& text) {
 HRESULT ContentMoveTest::Move() {
     const CVariant oldValues[] = {TextOrNull(oldTexts[0]), TextOrNull(oldTexts[1])};
     const CVariant newValues[] = {TextOrNull(newTexts[0]), TextOrNull(newTexts[1])};
-    return UpdateContentItems(m_kept, {{oldValues[0].Get().bstrVal, oldValues[1].Get().bstrVal},
+    return UpdateContentItems(*m_kept, {{oldValues[0].Get().bstrVal, oldValues[1].Get().bstrVal},
                                        {newValues[0].Get().bstrVal, newValues[1].Get().bstrVal},
                                        number.Get()});
 }

@@ -20,7 +20,7 @@ namespace tsl::test {
 class ContentMoveTest : public testing::Test {
 protected:
     void TearDown() override {
-        m_kept.Reset();
+        m_kept.reset();
         EXPECT_EQ(0u, store.Held()) << "a reference to the content store was not given back";
         store.items.clear();
         EXPECT_EQ(0, containers.live) << "a reference to a container was not given back";
@@ -43,7 +43,7 @@ private:
     CComInitialization m_com;
     ClassRegistration m_storeClass{CLSID_TslContentStore, &storeClass};
     ClassRegistration m_containerClass{CLSID_TslParamContainer, &containers};
-    CComPtr<ITslContentStore> m_kept;
+    std::optional<CHostContentStore> m_kept{std::in_place};
 };
 
 } // namespace tsl::test

@@ -29,8 +29,8 @@ protected:
         store.Hold(7, {Property(L"old one", L"old two", 1)});
     }
     HRESULT MoveAs(ITslParamContainer& container) {
-        CActionLogStore log(GetModuleHandleW(nullptr));
-        return MoveContent(log, container);
+        CHostContentStore kept;
+        return MoveContent(kept, container);
     }
     HRESULT MoveAsAction() { return MoveAs(*action.Get()); }
 

@@ -107,13 +107,14 @@ TEST(PackingWithoutClass, Fails) {
         store.Hold(id, {Property(L"old one", L"old two", 1)});
     const CVariant texts[] = {CVariant::FromText(L"old one"), CVariant::FromText(L"old two")};
     const CVariant number = CVariant::FromI4(9);
-    CComPtr<ITslContentStore> kept;
     const BSTR one = texts[0].Get().bstrVal;
     const BSTR two = texts[1].Get().bstrVal;
-    EXPECT_EQ(REGDB_E_CLASSNOTREG,
-              UpdateContentItems(kept, {{one, two}, {two, one}, number.Get()}));
+    {
+        CHostContentStore kept;
+        EXPECT_EQ(REGDB_E_CLASSNOTREG,
+                  UpdateContentItems(kept, {{one, two}, {two, one}, number.Get()}));
+    }
     EXPECT_EQ((Calls{L"find 'old one'", L"get 7", L"get 8"}), store.calls);
-    kept.Reset();
     EXPECT_EQ(0u, store.Held());
 }
 

@@ -88,9 +88,10 @@ TEST_F(ContentStoreSlots, AreThreeOfAll) {
     const CVariant number = CVariant::FromI4(9);
     const BSTR one = texts[0].Get().bstrVal;
     const BSTR two = texts[1].Get().bstrVal;
-    CComPtr<ITslContentStore> kept;
-    EXPECT_EQ(S_OK, UpdateContentItems(kept, {{one, two}, {two, one}, number.Get()}));
-    kept.Reset();
+    {
+        CHostContentStore kept;
+        EXPECT_EQ(S_OK, UpdateContentItems(kept, {{one, two}, {two, one}, number.Get()}));
+    }
     EXPECT_EQ((std::vector<size_t>{19, 29, 30, 29, 30}), bare.slots);
     EXPECT_EQ((Calls{L"find 'old one'", L"get 7", L"set 7 " + Written(L"old two", L"old one", 9),
                      L"get 8", L"set 8 " + Written(L"x", L"y", 1)}),

@@ -48,7 +48,7 @@ TEST_F(StoreCreation, FailsWithAnObjectThatIsNoContentStore) {
 }
 
 TEST_F(StoreCreation, OfOneMoverIsNotThatOfAnother) {
-    CComPtr<ITslContentStore> other;
+    CHostContentStore other;
     const CVariant text = CVariant::FromText(L"old one");
     const BSTR one = text.Get().bstrVal;
     EXPECT_EQ(S_OK, Move());
@@ -62,10 +62,10 @@ TEST(StoreCreationWithoutClass, FailsTheMove) {
     const CVariant text = CVariant::FromText(L"text");
     const BSTR one = text.Get().bstrVal;
     const CVariant number = CVariant::FromI4(9);
-    CComPtr<ITslContentStore> kept;
+    CHostContentStore kept;
     EXPECT_EQ(REGDB_E_CLASSNOTREG,
               UpdateContentItems(kept, {{one, one}, {one, one}, number.Get()}));
-    EXPECT_FALSE(kept);
+    EXPECT_FALSE(kept.Get());
 }
 
 } // namespace tsl::test

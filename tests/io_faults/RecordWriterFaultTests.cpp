@@ -12,7 +12,6 @@ protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(IoFaultTest::SetUp());
         m_store.emplace(GetModuleHandleW(nullptr));
-        m_store->SetLogKind(1);
         ASSERT_NE(nullptr, m_store->Engine());
     }
     void TearDown() override {
@@ -22,17 +21,17 @@ protected:
 
     Operation Writing(Table table, UINT32 id) {
         const wchar_t* const name = table == Table::Taken ? kContentDeleteTable : kActionLogTable;
-        m_store->SelectTable(kTablePrefix, name);
+        const Target target{kActionLogFileName, name, /*logKind=*/1};
         return {"writing a row",
-                [&store = *m_store, id] {
+                [&store = *m_store, target, id] {
                     return WriteActionRecord(
-                        store, Action(id, L"writtenItem").Date(kKeyActionTime, 45000.5));
+                        store, target, Action(id, L"writtenItem").Date(kKeyActionTime, 45000.5));
                 },
                 {Acknowledged(Put(table, id))}};
     }
 
 private:
-    std::optional<CActionLogStore> m_store;
+    std::optional<const CActionLogStore> m_store;
 };
 
 TEST_F(RecordWriterFaults, LoseNoRowWhenOneIsNew) {

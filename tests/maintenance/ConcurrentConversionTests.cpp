@@ -23,8 +23,8 @@ protected:
     template <class Change>
     static HRESULT ConvertBeforeTheOther(Change change) {
         const LockWaits waits(HeldLocks::AreWaitedFor);
-        CNamedMutex lock(kSqliteAccessMutexName);
-        lock.Acquire(/*timeoutMilliseconds=*/0); // not seen as a wait
+        const CNamedMutex mutex(kSqliteAccessMutexName);
+        CMutexGuard lock(mutex, /*timeoutMilliseconds=*/0); // not seen as a wait
         EXPECT_TRUE(lock.IsHeld());
         HRESULT other = E_UNEXPECTED;
         std::jthread waiting([&other] { other = Maintain(); });
@@ -83,7 +83,7 @@ TEST_F(ConcurrentConversion, OfManyObjectsIsOne) {
         std::vector<std::jthread> threads;
         for (HRESULT& answer : answers) {
             threads.emplace_back([&start, &answer] {
-                CActionLogStore store(GetModuleHandleW(nullptr));
+                const CActionLogStore store(GetModuleHandleW(nullptr));
                 start.arrive_and_wait();
                 answer = MaintainStore(store);
             });
@@ -107,8 +107,8 @@ TEST_F(ConcurrentConversion, DoesNotLowerACounterThatWasMadeMeanwhile) {
         std::filesystem::remove(CounterPath());
         MakeOldStore("complete.sql");
         const LockWaits waits(HeldLocks::AreWaitedFor);
-        CNamedMutex ids(kLogIdMutexName);
-        ids.Acquire(/*timeoutMilliseconds=*/0);
+        const CNamedMutex mutex(kLogIdMutexName);
+        CMutexGuard ids(mutex, /*timeoutMilliseconds=*/0);
         ASSERT_TRUE(ids.IsHeld());
         HRESULT answer = E_UNEXPECTED;
         std::jthread maintenance([&answer] { answer = Maintain(); });

@@ -129,4 +129,12 @@ TEST_F(ConversionExample, HasTheTablesOfTheOlderForm) {
         EXPECT_EQ("NULL", record.back());
 }
 
+TEST_F(ConversionExample, OnceConvertedTakesTheCommandsThatFollow) {
+    MakeOldStore("complete.sql");
+    ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
+    ExpectAGoodActionIsRecorded(Plugin());
+    EXPECT_EQ(40, CountRows(ActionLogPath(), kActionLogRows));
+    EXPECT_EQ(0, CountRows(ActionLogPath(), kIdTable));
+}
+
 } // namespace tsl::test

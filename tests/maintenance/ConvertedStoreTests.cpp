@@ -76,7 +76,7 @@ TEST_F(ConvertedStore, IsLeftAloneByTheSecondRun) {
 
 TEST_F(ConvertedStore, IsLeftAloneByTheSameObjectToo) {
     MakeOldStore("complete.sql");
-    CActionLogStore store(GetModuleHandleW(nullptr));
+    const CActionLogStore store(GetModuleHandleW(nullptr));
     EXPECT_EQ(S_OK, MaintainStore(store));
     const Bytes database = ReadBytes(ActionLogPath());
     EXPECT_EQ(E_FAIL, MaintainStore(store));

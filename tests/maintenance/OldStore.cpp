@@ -85,7 +85,7 @@ Bytes CounterBytes(const std::wstring& digits) {
 }
 
 HRESULT Maintain() {
-    CActionLogStore store(GetModuleHandleW(nullptr));
+    const CActionLogStore store(GetModuleHandleW(nullptr));
     return MaintainStore(store);
 }
 
