@@ -1,6 +1,7 @@
-// hosts_bench [ACTIONS]: lets 1, 2, 4 and 8 host processes record so many actions each at once, and
-// tells, as JSON, how many they record together, how long an action takes and how much of it is
-// waiting for a lock.
+// hosts_bench [ACTIONS [MILLISECONDS]]: lets 1, 2, 4 and 8 host processes record so many actions
+// each at once, and tells, as JSON, how many they record together, how long an action takes and how
+// much of it is waiting for a lock. With milliseconds, the hosts' containers take so long for each
+// value.
 #include <algorithm>
 #include <iostream>
 #include <string>
@@ -19,11 +20,11 @@ namespace {
 constexpr UINT32 kSize = 1'000;
 constexpr int kHosts[] = {1, 2, 4, 8};
 
-std::vector<WorkerReport> RunWorkers(int hosts, int actions) {
+std::vector<WorkerReport> RunWorkers(int hosts, int actions, int millisecondsAValue) {
     const CHandle start = MakeStartSignal();
     std::vector<CWorkerProcess> workers;
     for (int number = 0; number < hosts; ++number)
-        workers.emplace_back(number, actions);
+        workers.emplace_back(number, actions, millisecondsAValue);
     for (const CWorkerProcess& worker : workers)
         worker.WaitUntilReady();
     SetEvent(start.Get());
@@ -60,13 +61,13 @@ nlohmann::json Summarize(int hosts, const std::vector<WorkerReport>& reports) {
             {"share_waiting", static_cast<double>(all.waited) / static_cast<double>(spent)}};
 }
 
-void Run(int actions) {
+void Run(int actions, int millisecondsAValue) {
     const CEngine engine;
     CStores stores(engine);
     stores.Place(kSize);
     nlohmann::json results = nlohmann::json::array();
     for (const int hosts : kHosts) {
-        results.push_back(Summarize(hosts, RunWorkers(hosts, actions)));
+        results.push_back(Summarize(hosts, RunWorkers(hosts, actions, millisecondsAValue)));
         stores.Restore();
     }
     std::cout << results.dump(2) << std::endl;
@@ -78,10 +79,11 @@ void Run(int actions) {
 
 int main(int count, char** arguments) {
     return tsl::bench::RunAndTellFailure("hosts_bench", [&] {
-        if (count == 5 && std::string_view(arguments[1]) == "worker") {
+        if (count == 6 && std::string_view(arguments[1]) == "worker") {
             tsl::bench::RunWorker(arguments + 2);
         } else {
-            tsl::bench::Run(count > 1 ? std::stoi(arguments[1]) : 500);
+            tsl::bench::Run(count > 1 ? std::stoi(arguments[1]) : 500,
+                            count > 2 ? std::stoi(arguments[2]) : 0);
         }
     });
 }

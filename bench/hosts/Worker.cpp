@@ -10,6 +10,7 @@
 #include "component/host/CommandCodes.h"
 #include "component/host/ParamKeys.h"
 #include "console/StorePlace.h"
+#include "tests/support/ForwardingContainer.h"
 #include "tests/support/ImportHook.h"
 
 namespace tsl::bench {
@@ -35,6 +36,21 @@ DWORD WINAPI TimedWait(HANDLE handle, DWORD milliseconds) {
     g_waited += Clock::now() - start;
     return result;
 }
+
+// A host that fetches its values from far away.
+class CSlowContainer final : public test::ForwardingContainer {
+public:
+    CSlowContainer(CComPtr<CTslParamContainer> values, int millisecondsAValue)
+        : ForwardingContainer(std::move(values)), m_milliseconds(millisecondsAValue) {}
+
+    HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
+        Sleep(static_cast<DWORD>(m_milliseconds));
+        return ForwardingContainer::GetValue(key, value);
+    }
+
+private:
+    int m_milliseconds;
+};
 
 CHandle Signal(const std::wstring& name) {
     CHandle signal(
@@ -70,13 +86,14 @@ CHandle MakeStartSignal() {
     return Signal(kStartSignal);
 }
 
-CWorkerProcess::CWorkerProcess(int number, int actions)
+CWorkerProcess::CWorkerProcess(int number, int actions, int millisecondsAValue)
     : m_report(std::filesystem::temp_directory_path() /
                ("tsl-bench-" + std::to_string(number) + ".txt")),
       m_ready(Signal(ReadySignal(number))) {
     const std::wstring program = ProgramFolder() + L"hosts_bench.exe";
     std::wstring line = L"hosts_bench worker " + std::to_wstring(number) + L" " +
-                        std::to_wstring(actions) + L" \"" + m_report.wstring() + L"\"";
+                        std::to_wstring(actions) + L" " + std::to_wstring(millisecondsAValue) +
+                        L" \"" + m_report.wstring() + L"\"";
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION made{};
@@ -113,11 +130,15 @@ WorkerReport CWorkerProcess::Finish() {
 void RunWorker(char** arguments) {
     const int number = std::stoi(arguments[0]);
     const int actions = std::stoi(arguments[1]);
+    const int millisecondsAValue = std::stoi(arguments[2]);
     const CHost host;
     const test::ImportHook timing(GetModuleHandleW(L"TslIfDbActionLog.dll"), "WaitForSingleObject",
                                   TimedWait);
     Require(host.Plugin().SetRecordingEnabled(1));
     const CComPtr<CTslParamContainer> action = MakeAction(L"playItem");
+    CSlowContainer slowAction(action, millisecondsAValue);
+    ITslParamContainer* const given =
+        millisecondsAValue > 0 ? static_cast<ITslParamContainer*>(&slowAction) : action.Get();
     const CComPtr<CTslParamContainer> none = CTslParamContainer::Create();
     const CHandle start = MakeStartSignal();
     SetEvent(Signal(ReadySignal(number)).Get());
@@ -129,12 +150,12 @@ void RunWorker(char** arguments) {
     for (int call = 0; call < actions; ++call) {
         const std::int64_t begun = Now();
         SetRecordId(*action, TakeId(host, *none));
-        Require(host.Plugin().Notify(kCommandRecordAction, action.Get()));
+        Require(host.Plugin().Notify(kCommandRecordAction, given));
         report.actions.push_back(Now() - begun);
     }
     report.end = Now();
     report.waited = std::chrono::duration_cast<std::chrono::microseconds>(g_waited).count();
-    Write(arguments[2], report);
+    Write(arguments[3], report);
 }
 
 } // namespace tsl::bench

@@ -21,7 +21,8 @@ struct WorkerReport {
 // Starts this program anew as a worker and reads what it tells. Throws std::runtime_error.
 class CWorkerProcess {
 public:
-    CWorkerProcess(int number, int actions);
+    // Its containers take so many milliseconds for each value that is read.
+    CWorkerProcess(int number, int actions, int millisecondsAValue);
 
     // Waits until it is ready to begin.
     void WaitUntilReady() const;
@@ -36,7 +37,7 @@ private:
 // What the workers wait for before their first action. To be held while they run.
 CHandle MakeStartSignal();
 
-// The worker's own part: "worker NUMBER ACTIONS REPORT".
+// The worker's own part: "worker NUMBER ACTIONS MILLISECONDS REPORT".
 void RunWorker(char** arguments);
 
 } // namespace tsl::bench
