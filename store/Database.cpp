@@ -1,5 +1,7 @@
 #include "store/Database.h"
 
+#include <utility>
+
 #include "store/Utf8.h"
 
 namespace tsl {
@@ -96,12 +98,16 @@ int ReadNumber(const CDatabase& database, CSqlText text, int column, INT64& numb
 }
 
 CTransaction::~CTransaction() {
-    if (!m_open) return;
     try {
-        ExecuteStatement(m_database, L"ROLLBACK");
+        RollBack();
     } catch (...) { // NOLINT(bugprone-empty-catch): a destructor
         // Closing the connection, which follows, rolls back as well.
     }
+}
+
+void CTransaction::RollBack() {
+    if (!std::exchange(m_open, false)) return;
+    ExecuteStatement(m_database, L"ROLLBACK");
 }
 
 int CTransaction::Begin() {

@@ -87,7 +87,7 @@ int ExecuteStatement(const CDatabase& database, CSqlText text);
 // untouched, when it yields none; SQLITE_ERROR when the engine reads no integers.
 int ReadNumber(const CDatabase& database, CSqlText text, int column, INT64& number);
 
-// Rolls back when it goes, unless it was committed. Every call returns the engine's result.
+// Rolls back when it goes, unless it was committed. Begin and Commit return the engine's result.
 class CTransaction {
 public:
     explicit CTransaction(const CDatabase& database) noexcept : m_database(database) {}
@@ -98,6 +98,8 @@ public:
     // Takes the file's write lock, so that a busy file is told before anything is done.
     int Begin();
     int Commit();
+    // Undoes what was begun, as far as the engine has not done it; another may be begun then.
+    void RollBack();
 
 private:
     const CDatabase& m_database;

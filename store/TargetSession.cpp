@@ -11,9 +11,15 @@ CWriteSession::CWriteSession(const CActionLogStore& store, const Target& target)
                           TableShape::Action, /*create=*/false, FileUse::Write)) {
     if (!IsOpen()) return;
     m_begun = m_transaction.Begin();
-    if (m_begun == kSqliteOk) {
-        CreateActionTable(store.Engine(), m_database, kTablePrefix, target.tableName);
+    if (m_begun != kSqliteOk) return;
+    if (SUCCEEDED(
+            CreateActionTable(store.Engine(), m_database, kTablePrefix, target.tableName))) {
+        return;
     }
+    // With such a failure the engine may have ended the transaction, and what follows belongs into
+    // one.
+    m_transaction.RollBack();
+    m_begun = m_transaction.Begin();
 }
 
 } // namespace tsl
