@@ -12,8 +12,7 @@ CWriteSession::CWriteSession(const CActionLogStore& store, const Target& target)
     if (!IsOpen()) return;
     m_begun = m_transaction.Begin();
     if (m_begun != kSqliteOk) return;
-    if (SUCCEEDED(
-            CreateActionTable(store.Engine(), m_database, kTablePrefix, target.tableName))) {
+    if (SUCCEEDED(CreateActionTable(store.Engine(), m_database, kTablePrefix, target.tableName))) {
         return;
     }
     // With such a failure the engine may have ended the transaction, and what follows belongs into

@@ -14,8 +14,8 @@ HRESULT ContentMoveTest::Move() {
     const CVariant oldValues[] = {TextOrNull(oldTexts[0]), TextOrNull(oldTexts[1])};
     const CVariant newValues[] = {TextOrNull(newTexts[0]), TextOrNull(newTexts[1])};
     return UpdateContentItems(*m_kept, {{oldValues[0].Get().bstrVal, oldValues[1].Get().bstrVal},
-                                       {newValues[0].Get().bstrVal, newValues[1].Get().bstrVal},
-                                       number.Get()});
+                                        {newValues[0].Get().bstrVal, newValues[1].Get().bstrVal},
+                                        number.Get()});
 }
 
 HRESULT ContentMoveTest::Move(std::wstring_view first, std::wstring_view second) {

@@ -1,5 +1,5 @@
-// Each step stands by itself: whatever fails or raises in one, the replay record is written, no lock
-// is held, and the next action is recorded.
+// Each step stands by itself: whatever fails or raises in one, the replay record is written, no
+// lock is held, and the next action is recorded.
 #include "tests/dispatch/FullAction.h"
 #include "tests/dispatch/StoreDispatchFixture.h"
 #include "tests/integration/Aftermath.h"

@@ -97,7 +97,8 @@ class ReplayRecord : public StoreDispatchTest {};
 TEST_F(ReplayRecord, IsTheCopyWhereThereIsOne) {
     const ContainerBuilder action = Action(5, L"action");
     const ContainerBuilder copy = Action(6, L"copy");
-    EXPECT_EQ(S_OK, WriteReplayRecord(Store(), /*logKind=*/1, *action.Get().Get(), *copy.Get().Get()));
+    EXPECT_EQ(S_OK,
+              WriteReplayRecord(Store(), /*logKind=*/1, *action.Get().Get(), *copy.Get().Get()));
     EXPECT_EQ("6", IdsIn(kReplayRows));
     EXPECT_FALSE(std::filesystem::exists(ActionLogPath()));
 }

@@ -137,6 +137,46 @@ TEST_F(Utf16TextFileTest, WriteThatStopsHalfwayIsAFailure) {
     EXPECT_EQ(1, writes) << "there was no room for the mark";
 }
 
+TEST_F(Utf16TextFileTest, MovedFileTakesThePlaceOfTheOther) {
+    for (const bool isThere : {false, true}) {
+        SCOPED_TRACE(isThere);
+        if (isThere) WriteBytes(At(L"file"), Utf16FileBytes(L"old"));
+        {
+            const OpenedTextFile made = OpenTextFileToMove(At(L"made"));
+            ASSERT_TRUE(WriteText(made.file, L"new"));
+            EXPECT_EQ(isThere, std::filesystem::exists(At(L"file"))) << "before the move";
+            EXPECT_EQ(S_OK, MoveTextFile(made.file, At(L"file")));
+        }
+        EXPECT_EQ(L"new", TextOf(At(L"file")));
+        EXPECT_FALSE(std::filesystem::exists(At(L"made")));
+    }
+}
+
+TEST_F(Utf16TextFileTest, FileToMoveIsMadeAnewAndForNobodyElse) {
+    WriteBytes(At(L"made"), Utf16FileBytes(L"half a text of somebody else's"));
+    const OpenedTextFile made = OpenTextFileToMove(At(L"made"));
+    ASSERT_TRUE(made.file);
+    EXPECT_EQ(L"", ReadText(made.file));
+    EXPECT_EQ(kSharingViolation, OpenTextFileForReading(At(L"made")).status);
+}
+
+TEST_F(Utf16TextFileTest, MoveThatFailsLeavesBothFilesAndIsDiscarded) {
+    WriteBytes(At(L"file"), Utf16FileBytes(L"old"));
+    {
+        const OpenedTextFile made = OpenTextFileToMove(At(L"made"));
+        ASSERT_TRUE(WriteText(made.file, L"new"));
+        const CHandle owner(CreateFileW(At(L"file").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                        OPEN_EXISTING, 0, nullptr));
+        ASSERT_TRUE(owner);
+        const HRESULT moved = MoveTextFile(made.file, At(L"file"));
+        EXPECT_TRUE(moved == kAccessDenied || moved == kSharingViolation) << std::hex << moved;
+        EXPECT_TRUE(std::filesystem::exists(At(L"made")));
+        DiscardTextFile(made.file);
+    }
+    EXPECT_FALSE(std::filesystem::exists(At(L"made")));
+    EXPECT_EQ(L"old", TextOf(At(L"file")));
+}
+
 TEST(SplitLines, CutsAtCrLfAndSkipsFurtherBreaks) {
     struct Case {
         std::wstring text;

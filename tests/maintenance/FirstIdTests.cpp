@@ -1,5 +1,5 @@
-// The first id of a store without a counter file: one of the older form is converted before, so that
-// no id that it has is handed out again.
+// The first id of a store without a counter file: one of the older form is converted before, so
+// that no id that it has is handed out again.
 #include <gmock/gmock.h>
 
 #include "tests/maintenance/OldStore.h"

@@ -109,6 +109,21 @@ TEST(LinkedItem, MayHaveNoEntriesAtAll) {
     EXPECT_EQ(S_OK, Gather(Item({}, {}, {})));
 }
 
+TEST(LinkedItem, MayGiveOneIdInsteadOfAList) {
+    ContainerBuilder item = Item({L"n1"}, {L"d1"}, {});
+    EXPECT_EQ(Ok(L"ullValues={9," TSL_TEST_MOMENT L"}&intValues={1}&stringValues={n1,d1}"),
+              BuildLinked(item.Set(kKeyUllValues, CVariant::FromUi8(9))));
+    EXPECT_EQ(S_OK, Gather(item));
+}
+
+TEST(LinkedItem, MayGiveAnEmptyValueInsteadOfIds) {
+    ContainerBuilder item = Item({L"n1"}, {L"d1"}, {5});
+    EXPECT_EQ(Ok(L"ullValues={" TSL_TEST_NO_ID L"," TSL_TEST_MOMENT L"}&intValues={1}"
+                 L"&stringValues={n1,d1}"),
+              BuildLinked(item.Set(kKeyUllValues, CVariant())));
+    EXPECT_EQ(S_OK, Gather(item));
+}
+
 TEST(LinkedItem, HasNoIdForAZeroInAChannel) {
     EXPECT_EQ(
         Ok(L"ullValues={" TSL_TEST_NO_ID L",5," TSL_TEST_NO_ID L"," TSL_TEST_MOMENT L"}&intValues={"

@@ -140,8 +140,8 @@ TEST_F(RecordIdCounter, IsNotRaisedWhileAnotherHasTheFileOpen) {
         const CHandle open(CreateFileW(CounterPath().c_str(), GENERIC_READ, /*shareMode=*/0,
                                        nullptr, OPEN_EXISTING, 0, nullptr));
         ASSERT_TRUE(open);
-            ExpectFailure(kSharingViolation);
-        }
+        ExpectFailure(kSharingViolation);
+    }
     EXPECT_EQ(stored, ReadBytes(CounterPath()));
     EXPECT_EQ(42u, Next());
 }

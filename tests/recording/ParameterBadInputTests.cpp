@@ -1,4 +1,6 @@
 // Values that a careless host hands in: wrong types, arrays that are not what their VARIANT says.
+#include <new>
+
 #include "tests/recording/BuiltText.h"
 #include "tests/support/RawContainer.h"
 
@@ -41,6 +43,17 @@ void FillWithNumbers(SAFEARRAY* array, ULONG count) {
     for (ULONG index = 0; index < count; ++index)
         static_cast<T*>(data)[index] = static_cast<T>(index + 1);
     SafeArrayUnaccessData(array);
+}
+
+// An array without any feature flag, as a host gets it that fills in a bare descriptor.
+SAFEARRAY* UndeclaredArray(ULONG elementSize, ULONG count) {
+    SAFEARRAY* array = nullptr;
+    if (FAILED(SafeArrayAllocDescriptor(1, &array))) throw std::bad_alloc();
+    array->cbElements = elementSize;
+    array->rgsabound[0] = {count, 0};
+    if (FAILED(SafeArrayAllocData(array))) throw std::bad_alloc();
+    EXPECT_EQ(0, array->fFeatures & (FADF_HAVEVARTYPE | FADF_BSTR));
+    return array;
 }
 
 const BuiltText kRefusedText{E_INVALIDARG, L""};
@@ -138,6 +151,30 @@ TEST(ParameterBadInput, AnArrayWithSmallerElementsIsNeverReadBeyondItsEnd) {
 TEST(ParameterBadInput, AnArrayWithLargerElementsFails) {
     for (const UINT64 key : kListKeys)
         EXPECT_EQ(kRefusedText, BuildRaw(key, ArrayOf(ListType(key), VT_VARIANT, 2)));
+}
+
+TEST(ParameterBadInput, AnArrayThatDeclaresNothingIsReadByTheSizeOfItsElements) {
+    EXPECT_EQ(Ok(L"intValues={1,2,3}"), BuildRaw(kKeyIntValues, [](VARIANT& value) {
+                  value.parray = UndeclaredArray(sizeof(LONG), 3);
+                  FillWithNumbers<LONG>(value.parray, 3);
+                  value.vt = VT_ARRAY | VT_I4;
+                  return S_OK;
+              }));
+    const CVariant text = CVariant::FromText(L"text");
+    EXPECT_EQ(Ok(L"stringValues={text,}"), BuildRaw(kKeyStringValues, [&](VARIANT& value) {
+                  // The array does not know that it holds a text, and leaves it to its owner.
+                  value.parray = UndeclaredArray(sizeof(BSTR), 2);
+                  static_cast<BSTR*>(value.parray->pvData)[0] = text.Get().bstrVal;
+                  value.vt = VT_ARRAY | VT_BSTR;
+                  return S_OK;
+              }));
+    for (const UINT64 key : kListKeys) {
+        EXPECT_EQ(kRefusedText, BuildRaw(key, [key](VARIANT& value) {
+                      value.parray = UndeclaredArray(/*elementSize=*/1, 100);
+                      value.vt = ListType(key);
+                      return S_OK;
+                  }));
+    }
 }
 
 TEST(ParameterBadInput, NumbersAreNeverTakenForTexts) {

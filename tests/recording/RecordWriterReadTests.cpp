@@ -89,7 +89,8 @@ TEST_F(RecordReading, SkipsAUserOfAnotherType) {
 }
 
 TEST_F(RecordReading, TakesTheUserZero) {
-    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target, Action(5, L"playItem").Ui4(kKeyUserId, 0)));
+    EXPECT_EQ(S_OK,
+              WriteActionRecord(Store(), m_target, Action(5, L"playItem").Ui4(kKeyUserId, 0)));
     EXPECT_EQ("0", Logged("SELECT UserId FROM TslIf_DbActionLog"));
 }
 
@@ -106,8 +107,8 @@ TEST_F(RecordReading, TakesAnApplicationOfAnotherTypeAsZero) {
 }
 
 TEST_F(RecordReading, TakesATimeOfAnotherTypeAsAbsent) {
-    EXPECT_EQ(S_OK,
-              WriteActionRecord(Store(), m_target, Action(5, L"playItem").Set(kKeyActionTime, Real(45000))));
+    EXPECT_EQ(S_OK, WriteActionRecord(Store(), m_target,
+                                      Action(5, L"playItem").Set(kKeyActionTime, Real(45000))));
     EXPECT_EQ("1", Logged("SELECT AppLoggedTime = PluginLoggedTime FROM TslIf_DbActionLog"));
 }
 

@@ -8,7 +8,9 @@ namespace tsl::test {
 
 class RecordWriter : public RecordStoreTest {
 protected:
-    HRESULT Write(ITslParamContainer* action) { return WriteActionRecord(Store(), m_target, action); }
+    HRESULT Write(ITslParamContainer* action) {
+        return WriteActionRecord(Store(), m_target, action);
+    }
 
     static constexpr const char* kAllColumns =
         "SELECT ActionLogId, UsedLog, AppId, AppName, UserId, ActionName, ActionParameters, "

@@ -45,9 +45,7 @@ protected:
     // True when another thread can have the mutex at once.
     bool IsFree() const {
         bool held = false;
-        std::thread([&] {
-            held = CMutexGuard(CNamedMutex(Name()), 0).IsHeld();
-        }).join();
+        std::thread([&] { held = CMutexGuard(CNamedMutex(Name()), 0).IsHeld(); }).join();
         return held;
     }
 
