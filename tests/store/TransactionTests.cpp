@@ -58,6 +58,31 @@ TEST_F(Transaction, ThatGoesWithoutACommitIsRolledBack) {
     EXPECT_EQ("1", Count());
 }
 
+TEST_F(Transaction, ThatIsRolledBackMayBeBegunAnew) {
+    CTransaction transaction(m_database);
+    transaction.RollBack();
+    ASSERT_EQ(kSqliteOk, transaction.Begin());
+    ASSERT_EQ(kSqliteOk, Insert());
+    transaction.RollBack();
+    transaction.RollBack();
+    EXPECT_EQ("0", Count());
+    ASSERT_EQ(kSqliteOk, transaction.Begin());
+    ASSERT_EQ(kSqliteOk, Insert());
+    ASSERT_EQ(kSqliteOk, transaction.Commit());
+    EXPECT_EQ("1", Count());
+}
+
+// As the engine does with a failing disk.
+TEST_F(Transaction, ThatTheEngineEndedMayBeBegunAnew) {
+    CTransaction transaction(m_database);
+    ASSERT_EQ(kSqliteOk, transaction.Begin());
+    ASSERT_EQ(kSqliteOk, Insert());
+    ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"ROLLBACK"));
+    transaction.RollBack();
+    EXPECT_EQ(kSqliteOk, transaction.Begin());
+    EXPECT_EQ("0", Count());
+}
+
 TEST_F(Transaction, ThatWasNeverBegunLeavesOthersAlone) {
     ASSERT_EQ(kSqliteOk, ExecuteStatement(m_database, L"BEGIN"));
     ASSERT_EQ(kSqliteOk, Insert());
