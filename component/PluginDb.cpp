@@ -29,29 +29,45 @@ IUnknown* CPluginDb::FindInterface(REFIID iid) noexcept {
     return known ? static_cast<ITslPluginDb2*>(this) : nullptr;
 }
 
-HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters,
-                       VARIANT* result) {
+UINT32 CPluginDb::LogKind(bool& isRecording) noexcept {
+    Lock();
+    isRecording = g_recordingSwitch != 0;
+    const UINT32 logKind = m_logKind;
+    Unlock();
+    return logKind;
+}
+
+HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, UINT32 logKind,
+                       IUnknown* parameters, VARIANT* result) {
     const Command* const command = FindCommand(method, commandCode);
     if (!command) return E_NOTIMPL;
     if (!m_store) return E_POINTER; // a host calls back while the object ends
-    return RunCommand(*command, *m_store, m_logKind, parameters, result);
+    return RunCommand(*command, *m_store, logKind, parameters, result);
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Notify(UINT64 commandCode, IUnknown* parameters) {
     return AtBoundary([&] {
-        if (g_recordingSwitch == 0) return E_NOTIMPL;
-        return Run(CommandMethod::Notify, commandCode, parameters, /*result=*/nullptr);
+        bool isRecording = false;
+        const UINT32 logKind = LogKind(isRecording);
+        if (!isRecording) return E_NOTIMPL;
+        return Run(CommandMethod::Notify, commandCode, logKind, parameters, /*result=*/nullptr);
     });
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Request(UINT64 commandCode, IUnknown* parameters,
                                              IUnknown* /*unused*/, VARIANT* result) {
-    return AtBoundary([&] { return Run(CommandMethod::Request, commandCode, parameters, result); });
+    return AtBoundary([&] {
+        bool isRecording = false;
+        return Run(CommandMethod::Request, commandCode, LogKind(isRecording), parameters, result);
+    });
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Delete(UINT64 commandCode, IUnknown* parameters) {
-    return AtBoundary(
-        [&] { return Run(CommandMethod::Delete, commandCode, parameters, /*result=*/nullptr); });
+    return AtBoundary([&] {
+        bool isRecording = false;
+        return Run(CommandMethod::Delete, commandCode, LogKind(isRecording), parameters,
+                   /*result=*/nullptr);
+    });
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
@@ -71,8 +87,11 @@ HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {
 
 HRESULT STDMETHODCALLTYPE CPluginDb::SetRecordingEnabled(UINT32 flag) {
     return AtBoundary([&] {
+        // Both at once: an action that comes meanwhile has the old kind or the new one.
+        Lock();
         g_recordingSwitch = flag;
         m_logKind = flag;
+        Unlock();
         if (!m_store) return S_OK; // a host calls back while the object ends
         // What cannot be converted now is tried again next time.
         AtBoundary([&] { return MaintainStore(*m_store); });

@@ -4,7 +4,6 @@
 // was so when it came in: its own table, and the log kind of the object at that moment.
 #pragma once
 
-#include <atomic>
 #include <optional>
 
 #include "base/ComPtr.h"
@@ -38,14 +37,17 @@ public:
     HRESULT STDMETHODCALLTYPE SetRecordingEnabled(UINT32 flag) override;
 
 private:
-    HRESULT Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters, VARIANT* result);
+    HRESULT Run(CommandMethod method, UINT64 commandCode, UINT32 logKind, IUnknown* parameters,
+                VARIANT* result);
+    // The log kind of this object, and whether the process records at this moment.
+    UINT32 LogKind(bool& isRecording) noexcept;
     static HRESULT DoNothing() noexcept { return S_OK; }
 
     // There from the construction to the destruction.
     std::optional<CActionLogStore> m_store;
-    // The flag that this object was given last; 0 before that.
-    std::atomic<UINT32> m_logKind = 0;
-    // Under the object's lock, which is never held while the host is called.
+    // Under the object's lock, which is never held while the host is called: the flag that this
+    // object was given last, 0 before that, and the host.
+    UINT32 m_logKind = 0;
     CComPtr<ITslHost> m_host;
 };
 

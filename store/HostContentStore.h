@@ -2,6 +2,8 @@
 // number of threads may use it at once; the host is called without any lock.
 #pragma once
 
+#include <atomic>
+
 #include "base/ComPtr.h"
 #include "component/host/ITslContentStore.h"
 
@@ -12,36 +14,28 @@ public:
     CHostContentStore() noexcept = default;
     CHostContentStore(const CHostContentStore&) = delete;
     CHostContentStore& operator=(const CHostContentStore&) = delete;
+    ~CHostContentStore() {
+        if (ITslContentStore* const kept = m_kept.exchange(nullptr)) kept->Release();
+    }
 
     // A reference of the caller's own; null when none is kept.
-    CComPtr<ITslContentStore> Get() noexcept {
-        const CSection section(m_section);
-        return m_contentStore;
+    CComPtr<ITslContentStore> Get() const noexcept {
+        ITslContentStore* const kept = m_kept; // never another one, once there is one
+        if (kept) kept->AddRef();
+        return CComPtr<ITslContentStore>::FromOwned(kept);
     }
 
     // Keeps the store, unless another call has kept one meanwhile. Returns the one that is kept.
     CComPtr<ITslContentStore> Keep(CComPtr<ITslContentStore> created) noexcept {
-        const CSection section(m_section);
-        if (!m_contentStore) m_contentStore.Swap(created);
-        return m_contentStore;
+        ITslContentStore* none = nullptr;
+        if (!m_kept.compare_exchange_strong(none, created.Get())) return Get();
+        CComPtr<ITslContentStore> kept = created;
+        created.Detach(); // this reference is kept
+        return kept;
     }
 
 private:
-    class CSection {
-    public:
-        explicit CSection(SRWLOCK& section) noexcept : m_section(section) {
-            AcquireSRWLockExclusive(&m_section);
-        }
-        CSection(const CSection&) = delete;
-        CSection& operator=(const CSection&) = delete;
-        ~CSection() { ReleaseSRWLockExclusive(&m_section); }
-
-    private:
-        SRWLOCK& m_section;
-    };
-
-    SRWLOCK m_section = SRWLOCK_INIT;
-    CComPtr<ITslContentStore> m_contentStore;
+    std::atomic<ITslContentStore*> m_kept = nullptr;
 };
 
 } // namespace tsl

@@ -1,6 +1,7 @@
 // The SQLite engine, bound at run time: it is loaded by name from its side-by-side assembly and
 // called only through this table, so that the component loads and answers without it. One table per
-// store, used by one thread at a time.
+// store; once it is loaded, any number of threads may call through it, each with connections of its
+// own.
 #pragma once
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 // The interface that hosts drive the component through. Objects come from the class factory of
-// CLSID_PluginDb. Callable from any apartment; two threads that call one object at the same time
-// can disturb each other's table selection, so a host gives each thread its own object.
+// CLSID_PluginDb. Callable from any apartment, by several threads at once, and from the methods of
+// the host's own that the component calls: each call works on what was so when it came in.
 #pragma once
 
 #include <windows.h>

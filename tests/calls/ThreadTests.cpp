@@ -99,7 +99,10 @@ private:
         const HRESULT result =
             plugin.Request(kCommandNextRecordId, ContainerBuilder(), nullptr, answer.Address());
         Expect("next id", S_OK, S_OK, result);
-        if (answer.Type() != VT_UNKNOWN) return;
+        if (answer.Type() != VT_UNKNOWN) {
+            wrong.emplace_back("next id without an answer");
+            return;
+        }
         CVariant id;
         const auto container =
             QueryFor<ITslParamContainer>(answer.Get().punkVal, IID_ITslParamContainer);
@@ -155,6 +158,33 @@ TEST_P(ThreadsOnOneObject, LoseNothingAndLeaveNothing) {
     EXPECT_TRUE(MutexIsFree(kLogIdLock));
     Measured(std::to_string(GetParam()) + " threads on one object: " + std::to_string(calls) +
              " calls");
+}
+
+class SwitchOnAnotherThread : public PluginTest {};
+
+TEST_F(SwitchOnAnotherThread, GivesNoActionAKindThatNobodyChose) {
+    MakeCounterFile();
+    ASSERT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
+    std::atomic<bool> isOver = false;
+    std::thread switcher([&] {
+        const CComInitialization com;
+        for (UINT32 turn = 0; !isOver; ++turn)
+            Plugin().SetRecordingEnabled(turn % 2);
+    });
+    int recorded = 0;
+    const ULONGLONG end = GetTickCount64() + InForm(1500, 20'000);
+    while (GetTickCount64() < end) {
+        const UINT32 id = 1 + static_cast<UINT32>(recorded) % 90;
+        const HRESULT result = Plugin().Notify(kCommandRecordAction, Action(id, L"playItem"));
+        EXPECT_TRUE(result == S_OK || result == E_NOTIMPL) << result;
+        if (result == S_OK) ++recorded;
+    }
+    isOver = true;
+    switcher.join();
+    EXPECT_GT(recorded, 0);
+    const std::string kinds = "SELECT group_concat(DISTINCT LogKind) FROM ";
+    EXPECT_EQ("1", FileDatabase(ActionLogPath()).Value(kinds + kActionLogRows));
+    EXPECT_EQ("1", FileDatabase(ReplayPath()).Value(kinds + kReplayRows));
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, ThreadsOnOneObject, ::testing::Values(2u, 8u));
