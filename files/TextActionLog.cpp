@@ -48,6 +48,12 @@ HRESULT Write(const OpenedTextFile& opened, const std::wstring& path, UINT32 cou
     return WriteText(opened.file, CounterLine(counter).Text()) ? S_OK : opened.status;
 }
 
+HRESULT AdvanceOpened(const OpenedTextFile& opened, const std::wstring& path, UINT32& counter) {
+    ParseLastLine(ReadText(opened.file).value_or(L""), counter);
+    ++counter;
+    return Write(opened, path, counter);
+}
+
 // A failed write is not always told.
 HRESULT CheckWritten(const CHandle& file, UINT32 counter) {
     SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
@@ -86,11 +92,18 @@ HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter) {
     const OpenedTextFile opened = OpenTextFileForWriting(path);
     if (!opened.file) return opened.status;
     counter = 1;
-    if (opened.status == HresultFromWin32(ERROR_ALREADY_EXISTS)) {
-        ParseLastLine(ReadText(opened.file).value_or(L""), counter);
-        ++counter;
-    }
-    return Write(opened, path, counter);
+    return opened.status == HresultFromWin32(ERROR_ALREADY_EXISTS)
+               ? AdvanceOpened(opened, path, counter)
+               : Write(opened, path, counter);
+}
+
+HRESULT AdvanceExistingCounter(const std::wstring& path, UINT32& counter) {
+    OpenedTextFile opened = OpenTextFileForUpdate(path);
+    if (!opened.file) return opened.status;
+    // What a failed write answers over a file that was there.
+    opened.status = HresultFromWin32(ERROR_ALREADY_EXISTS);
+    counter = 1;
+    return AdvanceOpened(opened, path, counter);
 }
 
 void RaiseCounter(const std::wstring& path, UINT32 counter) {
@@ -112,11 +125,13 @@ HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter) {
         return opened.file ? S_OK : opened.status;
     });
     if (FAILED(result)) return result;
-    result = Write(opened, made, counter);
-    if (SUCCEEDED(result)) result = CheckWritten(opened.file, counter);
-    // Moving a file into place does not bring what it holds to the disk.
-    if (SUCCEEDED(result) && !FlushFileBuffers(opened.file.Get())) result = HresultFromLastError();
-    if (SUCCEEDED(result)) result = Persistently([&] { return MoveTextFile(opened.file, path); });
+    result = AtBoundary([&] {
+        HRESULT step = Write(opened, made, counter);
+        if (SUCCEEDED(step)) step = CheckWritten(opened.file, counter);
+        // Moving a file into place does not bring what it holds to the disk.
+        if (SUCCEEDED(step) && !FlushFileBuffers(opened.file.Get())) step = HresultFromLastError();
+        return FAILED(step) ? step : Persistently([&] { return MoveTextFile(opened.file, path); });
+    });
     if (FAILED(result)) DiscardTextFile(opened.file);
     return result;
 }

@@ -20,6 +20,9 @@ HRESULT WriteCounter(const std::wstring& path, UINT32 counter);
 // out twice even when the wait for the lock has timed out. Results as those of WriteCounter.
 HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter);
 
+// The same for a file that is there: its Win32 error when it is not.
+HRESULT AdvanceExistingCounter(const std::wstring& path, UINT32& counter);
+
 // Rewrites a file that is there with the counter unless its own is higher, in one piece like
 // AdvanceCounter. A file that cannot be opened or read stays as it is.
 void RaiseCounter(const std::wstring& path, UINT32 counter);

@@ -11,9 +11,11 @@ namespace tsl {
 
 namespace {
 
-HRESULT IssueRecordId(const CActionLogStore& store, UINT32& recordId) {
+// From the counter that is there, or from a new one.
+HRESULT IssueRecordId(const CActionLogStore& store, bool isThere, UINT32& recordId) {
     const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    return AdvanceCounter(DbFolder() + kCounterFileName, recordId);
+    const std::wstring path = DbFolder() + kCounterFileName;
+    return isThere ? AdvanceExistingCounter(path, recordId) : AdvanceCounter(path, recordId);
 }
 
 HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
@@ -30,10 +32,12 @@ HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
 
 HRESULT NextRecordId(const CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
     if (!container) return E_POINTER;
-    const HRESULT converted = ConvertBeforeFirstId(store);
-    if (FAILED(converted)) return converted;
     UINT32 recordId = 1;
-    const HRESULT issued = IssueRecordId(store, recordId);
+    HRESULT issued = IssueRecordId(store, /*isThere=*/true, recordId);
+    if (issued == HresultFromWin32(ERROR_FILE_NOT_FOUND)) {
+        issued = ConvertBeforeFirstId(store);
+        if (SUCCEEDED(issued)) issued = IssueRecordId(store, /*isThere=*/false, recordId);
+    }
     return FAILED(issued) ? issued : AnswerRecordId(recordId, result);
 }
 

@@ -66,21 +66,23 @@ HRESULT Convert(const CActionLogStore& store, const CDatabase& database) {
     return SuccessAsOk(SqliteResultToHresult(result));
 }
 
-// The engine's result of looking for records with a last id: SQLITE_OK when there are such.
-int FindOldIds(const CDatabase& database) {
-    UINT32 lastId = 0;
-    const int result = ReadLastId(database, OldIdTable(), lastId);
+// SQLITE_ROW when the file has both tables of an older store, SQLITE_DONE when it has not; else
+// what keeps the engine from telling.
+int FindOlderStore(const CDatabase& database) {
+    INT64 tables = 0;
+    const int result = ReadNumber(database,
+                                  L"SELECT COUNT(*) FROM sqlite_master WHERE name IN ('" +
+                                      ActionTable() + L"','" + OldIdTable() + L"')",
+                                  /*column=*/0, tables);
     if (result != kSqliteOk) return result;
-    CStatement records(database);
-    return records.Prepare(L"SELECT * FROM " + ActionTable());
+    constexpr INT64 kBoth = 2;
+    return tables == kBoth ? kSqliteRow : kSqliteDone;
 }
 
-// Whether the engine says that there is no such table, no such row, or no database at all.
-bool MeansNone(int result) noexcept {
-    constexpr int kCorrupt = 11;
-    constexpr int kNotADatabase = 26;
-    return result == kSqliteError || result == kSqliteDone || result == kCorrupt ||
-           result == kNotADatabase;
+bool IsEmptyOrMissing(const std::wstring& path) {
+    WIN32_FILE_ATTRIBUTE_DATA found{};
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &found)) return true;
+    return found.nFileSizeHigh == 0 && found.nFileSizeLow == 0;
 }
 
 } // namespace
@@ -96,16 +98,22 @@ HRESULT MaintainStore(const CActionLogStore& store) {
 }
 
 HRESULT ConvertBeforeFirstId(const CActionLogStore& store) {
-    if (IsConverted() || !store.Engine()) return S_OK;
     // Looking must not make a database.
-    if (!FileExists(DbFolder() + kActionLogFileName)) return S_OK;
+    if (IsConverted() || IsEmptyOrMissing(DbFolder() + kActionLogFileName)) return S_OK;
+    if (!store.Engine()) return E_POINTER;
     const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
     if (IsConverted()) return S_OK;
     CDatabase database;
     const HRESULT opened = Open(store, database);
     if (FAILED(opened) || !database) return opened;
-    const int found = FindOldIds(database);
-    if (MeansNone(found)) return S_OK;
+    constexpr int kNotADatabase = 26;
+    const int older = FindOlderStore(database);
+    if (older == kSqliteDone || older == kNotADatabase) return S_OK;
+    if (older != kSqliteRow) return SqliteResultToHresult(older);
+    UINT32 lastId = 0;
+    const int found = ReadLastId(database, OldIdTable(), lastId);
+    // Without a last id that can be read nobody knows where its ids end.
+    if (found == kSqliteDone || found == kSqliteError) return S_OK;
     return found == kSqliteOk ? Convert(store, database) : SqliteResultToHresult(found);
 }
 

@@ -19,9 +19,9 @@ HRESULT MaintainStore(const CActionLogStore& store);
 
 // Before the first id is handed out where there is no counter file: converts a store of the older
 // form that could not be converted until now, so that its ids do not begin anew. Takes the same
-// locks, and none where there is a counter file. S_OK when ids may be handed out; else the failure
-// of looking at the store or of the conversion. What is no database has no ids, and an engine that
-// is missing cannot tell.
+// locks, and none where there is a counter file or no database. S_OK when ids may be handed out;
+// else the failure of looking at the store, E_POINTER without an engine, or that of the conversion.
+// What is no database has no ids.
 HRESULT ConvertBeforeFirstId(const CActionLogStore& store);
 
 } // namespace tsl

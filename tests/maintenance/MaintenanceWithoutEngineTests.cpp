@@ -44,6 +44,15 @@ TEST_F(MaintenanceWithoutEngine, MakesNoDatabase) {
     EXPECT_TRUE(fs::is_empty(StoreFolder()));
 }
 
+TEST_F(MaintenanceWithoutEngine, HandsOutNoFirstIdBesideADatabase) {
+    const ComponentCopy copy;
+    const CActionLogStore store(copy.Module());
+    EXPECT_EQ(S_OK, ConvertBeforeFirstId(store)) << "there is none";
+    MakeOldStore("complete.sql");
+    EXPECT_EQ(E_POINTER, ConvertBeforeFirstId(store));
+    EXPECT_FALSE(fs::exists(CounterPath()));
+}
+
 TEST_F(MaintenanceWithoutEngine, IsNotMissedByAConvertedStore) {
     MakeStoreFolder();
     WriteBytes(CounterPath(), CounterBytes(L"00000007"));
