@@ -41,15 +41,11 @@ HRESULT RunDeletion(const CActionLogStore& store, const Target& target, const De
                     const std::function<void(CBinder&)>& bind) {
     const auto told = [&](HRESULT failure) { return deletion.hidesFailures ? E_POINTER : failure; };
     const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    CWriteSession session(store, target);
+    const CTableSession session(store, target);
     if (!session.IsOpen()) return told(session.Opened());
-    int result = session.Begun();
-    if (deletion.userRead != S_OK) {
-        session.End(result);
-        return SuccessAsOk(deletion.userRead);
-    }
-    if (result == kSqliteOk) result = DeleteRows(target, session.Database(), deletion, bind);
-    const HRESULT deleted = SqliteResultToHresult(session.End(result));
+    if (deletion.userRead != S_OK) return SuccessAsOk(deletion.userRead);
+    const HRESULT deleted =
+        SqliteResultToHresult(DeleteRows(target, session.Database(), deletion, bind));
     return FAILED(deleted) ? told(deleted) : S_OK;
 }
 

@@ -95,7 +95,7 @@ WantedIds ReadWantedIds(ITslParamContainer& container) {
 HRESULT FindRecords(const CActionLogStore& store, const Target& target, const WantedIds& wanted,
                     std::vector<StoredRecord>& records) {
     const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
-    const CReadSession session(store, target);
+    const CTableSession session(store, target);
     if (!session.IsOpen()) return session.Opened();
     if (FAILED(wanted.read)) return wanted.read;
     if (wanted.ids.empty()) return S_FALSE;
@@ -161,7 +161,7 @@ struct FoundToTake {
 FoundToTake FindToTake(const CActionLogStore& store, const Target& target,
                        const WantedRecord& wanted) {
     FoundToTake found;
-    const CReadSession session(store, target);
+    const CTableSession session(store, target);
     found.result = session.Opened();
     if (!session.IsOpen()) return found;
     found.result = FAILED(wanted.read) ? wanted.read : S_FALSE;
@@ -196,7 +196,8 @@ HRESULT TakeRecord(const CActionLogStore& store, const Target& target,
     if (found.result == S_FALSE) return S_OK;
     if (!found.mayDelete) return found.result;
     if (SUCCEEDED(found.result)) AnswerTaken(found.parameters, result);
-    // The record goes whether or not it could be fetched, and whatever comes of deleting it.
+    // The record goes whether or not it could be fetched, and whatever comes of deleting it; it
+    // stays when making the answer raised, for want of memory.
     AtBoundary([&] { return DeleteRecords(store, target, container); });
     return found.result;
 }

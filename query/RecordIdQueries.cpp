@@ -19,7 +19,7 @@ HRESULT FindAllRecordIds(const CActionLogStore& store, const Target& target,
     // Before anything is opened: finding the user may wait for another process.
     UINT32 userId = 0;
     const HRESULT user = ImpliedUserId(target.logKind, userId);
-    const CReadSession session(store, target);
+    const CTableSession session(store, target);
     if (!session.IsOpen()) return session.Opened();
     if (FAILED(user)) return user;
 

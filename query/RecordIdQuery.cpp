@@ -112,7 +112,7 @@ RecordIdQuery ReadRecordIdQuery(ITslParamContainer& container) {
 
 HRESULT FindRecordIds(const CActionLogStore& store, const Target& target,
                       const RecordIdQuery& query, std::vector<UINT32>& ids) {
-    const CReadSession session(store, target);
+    const CTableSession session(store, target);
     if (!session.IsOpen()) return session.Opened();
     const CDatabase& database = session.Database();
     if (query.isIdRange) {

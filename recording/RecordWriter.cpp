@@ -109,7 +109,9 @@ HRESULT WriteActionRecord(const CActionLogStore& store, const Target& target,
                           ITslParamContainer* container) {
     if (!store.Engine()) return E_POINTER;
     ActionRecord record;
-    const HRESULT read = container ? ReadRecord(*container, target.logKind, record) : S_FALSE;
+    const HRESULT read =
+        container ? AtBoundary([&] { return ReadRecord(*container, target.logKind, record); })
+                  : S_FALSE;
     const CMutexGuard lock(store.SqliteAccessLock(), kSqliteAccessTimeoutMilliseconds);
     CWriteSession session(store, target);
     if (!session.IsOpen()) return session.Opened();

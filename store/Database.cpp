@@ -13,10 +13,10 @@ namespace {
 // Engines older than 3.7.15 do not know the statement and answer "busy" at once.
 CSqlText BusyTimeoutText(FileUse use) noexcept {
     switch (use) {
-    case FileUse::Read:
+    case FileUse::Statements:
         return L"PRAGMA busy_timeout = 700";
     case FileUse::Write:
-        return L"PRAGMA busy_timeout = 1400";
+        return L"PRAGMA busy_timeout = 900";
     default:
         return L"PRAGMA busy_timeout = 350";
     }

@@ -12,9 +12,10 @@ namespace tsl {
 // the file: all its waits together stay below the wait for the lock (3 s), so that whoever waits
 // here does not make others give up the lock.
 enum class FileUse {
-    Read,    // four waits: for the schema, to make a missing table and to keep it, for the query
-    Write,   // two: to begin a transaction, and to commit it
-    Convert, // eight: statements that are no transaction
+    Statements, // four waits: for the schema, for a missing table, to run one statement and to keep
+                // it
+    Write,      // three: to begin a transaction, for pages that no longer fit, and to commit it
+    Convert,    // eight: several statements that are no transaction
 };
 
 // Closes its connection when it goes.

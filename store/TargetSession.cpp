@@ -2,9 +2,9 @@
 
 namespace tsl {
 
-CReadSession::CReadSession(const CActionLogStore& store, const Target& target)
+CTableSession::CTableSession(const CActionLogStore& store, const Target& target)
     : m_opened(store.Open(target.fileName, kTablePrefix, target.tableName, &m_database,
-                          TableShape::Action, /*create=*/true, FileUse::Read)) {}
+                          TableShape::Action, /*create=*/true, FileUse::Statements)) {}
 
 CWriteSession::CWriteSession(const CActionLogStore& store, const Target& target)
     : m_opened(store.Open(target.fileName, kTablePrefix, target.tableName, &m_database,
@@ -16,8 +16,9 @@ CWriteSession::CWriteSession(const CActionLogStore& store, const Target& target)
         return;
     }
     // With such a failure the engine may have ended the transaction, and what follows belongs into
-    // one.
+    // one. Its waiting is done.
     m_transaction.RollBack();
+    ExecuteStatement(m_database, L"PRAGMA busy_timeout = 0");
     m_begun = m_transaction.Begin();
 }
 

@@ -10,9 +10,10 @@
 
 namespace tsl {
 
-class CReadSession {
+// For one statement that reads or deletes: by itself it is whole or not at all.
+class CTableSession {
 public:
-    CReadSession(const CActionLogStore& store, const Target& target);
+    CTableSession(const CActionLogStore& store, const Target& target);
 
     // Whether there is a connection; the database is not to be used without.
     bool IsOpen() const noexcept { return SUCCEEDED(m_opened) && m_database; }
@@ -25,8 +26,9 @@ private:
     HRESULT m_opened;
 };
 
-// Inside one transaction, the making of the table among it: what is written comes whole or not at
-// all. The file's write lock is taken at once, so that a busy file is told before anything is done.
+// For a record, inside one transaction, the making of the table among it: what is written comes
+// whole or not at all. The file's write lock is taken at once, so that a busy file is told before
+// anything is done.
 class CWriteSession {
 public:
     CWriteSession(const CActionLogStore& store, const Target& target);

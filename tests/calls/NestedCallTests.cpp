@@ -85,7 +85,6 @@ protected:
     }
     const std::map<HostMethod, int>& Seen() const { return m_seen; }
 
-private:
     void PutBaseStoreBack() {
         Host().onCall = nullptr;
         Host().sunk.clear();
@@ -94,6 +93,7 @@ private:
             WriteBytes(path, bytes);
     }
 
+private:
     std::map<HostMethod, int> EntriesOf(const HostCommand& outer) {
         PutBaseStoreBack();
         std::map<HostMethod, int> entries;
@@ -185,6 +185,11 @@ TEST_F(NestedCalls, InsideTheLastReleaseOfTheHostObjectWork) {
         EXPECT_EQ(S_FALSE, Plugin().SetHost(nullptr));
         Host().onCall = nullptr;
         EXPECT_TRUE(told.starts_with("0x00000000 ")) << told;
+        const std::string after = StoreText();
+        PutBaseStoreBack();
+        EXPECT_EQ(told, CallPlainly(inner, Plugin(), Turn::Second));
+        EXPECT_EQ(StoreText(), after) << "as without the host object";
+        PutBaseStoreBack();
     }
 }
 
@@ -194,11 +199,12 @@ TEST_F(NestedCalls, OfSetRecordingEnabledChangeTheKindOfLaterCallsOnly) {
             EXPECT_EQ(S_OK, Plugin().SetRecordingEnabled(8));
         }
     };
-    CallByHost(HostCommands()[0], Plugin(), Turn::First);
+    EXPECT_EQ("0x00000000 nothing", CallByHost(HostCommands()[0], Plugin(), Turn::First));
     Host().onCall = nullptr;
-    const std::string kinds = "SELECT group_concat(DISTINCT LogKind) FROM ";
-    EXPECT_EQ("1", FileDatabase(ActionLogPath()).Value(kinds + kActionLogRows));
-    EXPECT_EQ("1", FileDatabase(ReplayPath()).Value(kinds + kReplayRows));
+    const std::string kind = "SELECT LogKind FROM ";
+    const std::string ofIt = " WHERE ActionLogId = 21";
+    EXPECT_EQ("1", FileDatabase(ActionLogPath()).Value(kind + kActionLogRows + ofIt));
+    EXPECT_EQ("1", FileDatabase(ReplayPath()).Value(kind + kReplayRows + ofIt));
 }
 
 } // namespace tsl::test

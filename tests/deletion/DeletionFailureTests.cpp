@@ -92,7 +92,7 @@ TEST_F(DeletionFailure, OfABusyDatabaseIsTold) {
     other.Query("BEGIN IMMEDIATE");
     const EngineSleeps sleeps;
     ExpectFailure(kEngineBusy);
-    EXPECT_EQ(3u, sleeps.Waits(kWriteWait)) << "one for each form";
+    EXPECT_EQ(3u, sleeps.Waits(kStatementWait)) << "one for each form";
     other.Query("ROLLBACK");
     ExpectAllAreLeftAndCanBeDeleted();
 }

@@ -30,7 +30,8 @@ bool WasCarriedOut(const FaultHit& hit, const EngineFault& fault) {
 
 // The last statement of a change: once it is carried out, the change is made.
 bool MakesTheChange(const Stage& stage, const FaultHit& hit) {
-    return IsChange(stage) && Begins(hit, L"COMMIT");
+    return (stage.kind == StageKind::Write && Begins(hit, L"COMMIT")) ||
+           (stage.kind == StageKind::Delete && Begins(hit, L"DELETE"));
 }
 
 Verdict Judge(const Operation& operation, const Stage& stage, const EngineFault& fault,
@@ -46,8 +47,9 @@ Verdict Judge(const Operation& operation, const Stage& stage, const EngineFault&
         } else if (Begins(hit, L"PRAGMA busy_timeout")) {
             // Nor at this: it only makes the engine wait.
         } else if (Begins(hit, L"CREATE")) {
-            // Nor at this, but where the table is wanted. A change begins anew without it.
-            tableIsMissing = operation.makesTables && (!carriedOut || IsChange(stage));
+            // Nor at this, but where the table is wanted. A record begins anew without it.
+            tableIsMissing =
+                operation.makesTables && (!carriedOut || stage.kind == StageKind::Write);
         } else {
             verdict.failure = fault.code;
             verdict.done = carriedOut && MakesTheChange(stage, hit);

@@ -14,7 +14,7 @@ namespace tsl::test {
 // What is done over one connection.
 enum class StageKind {
     Write,  // of one record, in a transaction
-    Delete, // of the rows with the ids, in a transaction
+    Delete, // of the rows with the ids
     Read,   // of the answer
     Count,  // of the records of the replay log; the deletion that follows is left out if it fails
     Fetch,  // of the record that is taken; the deletion follows unless there is no statement

@@ -155,7 +155,7 @@ TEST_P(QueryFailure, DatabaseThatAnotherConnectionWritesIsReportedAsBusy) {
     other.Query("BEGIN EXCLUSIVE");
     const EngineSleeps sleeps;
     Expect(kEngineBusy);
-    EXPECT_EQ(2u, sleeps.Waits(kReadWait)) << "one for the table, one for the query";
+    EXPECT_EQ(2u, sleeps.Waits(kStatementWait)) << "one for the table, one for the query";
     other.Query("ROLLBACK");
     EXPECT_EQ(1, CountRows(ActionLogPath(), kTakenRows));
 }

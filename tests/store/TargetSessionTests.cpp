@@ -33,7 +33,7 @@ protected:
 } // namespace
 
 TEST_F(Session, ThatReadsMakesFileAndTable) {
-    const CReadSession session(m_store, Target{});
+    const CTableSession session(m_store, Target{});
     EXPECT_TRUE(session.IsOpen());
     EXPECT_EQ(S_OK, session.Opened());
     EXPECT_EQ("TslIf_DbActionLog", Names()) << "at once";
@@ -86,7 +86,7 @@ TEST_F(Session, ThatCannotMakeItsTableIsATransactionAllTheSame) {
 
 TEST_F(Session, ThatCannotOpenItsFileTellsWhy) {
     fs::create_directories(ActionLogPath());
-    const CReadSession reading(m_store, Target{});
+    const CTableSession reading(m_store, Target{});
     const CWriteSession writing(m_store, Target{});
     EXPECT_FALSE(reading.IsOpen());
     EXPECT_FALSE(writing.IsOpen());

@@ -6,8 +6,8 @@
 namespace tsl::test {
 
 // How long the engine waits each time for those who are in a file, by what its connection is for.
-inline constexpr DWORD kReadWait = 700;
-inline constexpr DWORD kWriteWait = 1400;
+inline constexpr DWORD kStatementWait = 700;
+inline constexpr DWORD kWriteWait = 900;
 inline constexpr DWORD kConvertWait = 350;
 
 // While it lives, the loaded engine does not sleep. It tries as often as ever: what it counts is
