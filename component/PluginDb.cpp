@@ -29,16 +29,13 @@ IUnknown* CPluginDb::FindInterface(REFIID iid) noexcept {
     return known ? static_cast<ITslPluginDb2*>(this) : nullptr;
 }
 
-UINT32 CPluginDb::LogKind(bool& isRecording) noexcept {
+HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters,
+                       VARIANT* result) {
     Lock();
-    isRecording = g_recordingSwitch != 0;
+    const bool isRecording = g_recordingSwitch != 0;
     const UINT32 logKind = m_logKind;
     Unlock();
-    return logKind;
-}
-
-HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, UINT32 logKind,
-                       IUnknown* parameters, VARIANT* result) {
+    if (method == CommandMethod::Notify && !isRecording) return E_NOTIMPL;
     const Command* const command = FindCommand(method, commandCode);
     if (!command) return E_NOTIMPL;
     if (!m_store) return E_POINTER; // a host calls back while the object ends
@@ -46,28 +43,18 @@ HRESULT CPluginDb::Run(CommandMethod method, UINT64 commandCode, UINT32 logKind,
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Notify(UINT64 commandCode, IUnknown* parameters) {
-    return AtBoundary([&] {
-        bool isRecording = false;
-        const UINT32 logKind = LogKind(isRecording);
-        if (!isRecording) return E_NOTIMPL;
-        return Run(CommandMethod::Notify, commandCode, logKind, parameters, /*result=*/nullptr);
-    });
+    return AtBoundary(
+        [&] { return Run(CommandMethod::Notify, commandCode, parameters, /*result=*/nullptr); });
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Request(UINT64 commandCode, IUnknown* parameters,
                                              IUnknown* /*unused*/, VARIANT* result) {
-    return AtBoundary([&] {
-        bool isRecording = false;
-        return Run(CommandMethod::Request, commandCode, LogKind(isRecording), parameters, result);
-    });
+    return AtBoundary([&] { return Run(CommandMethod::Request, commandCode, parameters, result); });
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::Delete(UINT64 commandCode, IUnknown* parameters) {
-    return AtBoundary([&] {
-        bool isRecording = false;
-        return Run(CommandMethod::Delete, commandCode, LogKind(isRecording), parameters,
-                   /*result=*/nullptr);
-    });
+    return AtBoundary(
+        [&] { return Run(CommandMethod::Delete, commandCode, parameters, /*result=*/nullptr); });
 }
 
 HRESULT STDMETHODCALLTYPE CPluginDb::SetHost(IUnknown* host) {

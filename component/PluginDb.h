@@ -37,10 +37,7 @@ public:
     HRESULT STDMETHODCALLTYPE SetRecordingEnabled(UINT32 flag) override;
 
 private:
-    HRESULT Run(CommandMethod method, UINT64 commandCode, UINT32 logKind, IUnknown* parameters,
-                VARIANT* result);
-    // The log kind of this object, and whether the process records at this moment.
-    UINT32 LogKind(bool& isRecording) noexcept;
+    HRESULT Run(CommandMethod method, UINT64 commandCode, IUnknown* parameters, VARIANT* result);
     static HRESULT DoNothing() noexcept { return S_OK; }
 
     // There from the construction to the destruction.

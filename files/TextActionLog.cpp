@@ -48,12 +48,6 @@ HRESULT Write(const OpenedTextFile& opened, const std::wstring& path, UINT32 cou
     return WriteText(opened.file, CounterLine(counter).Text()) ? S_OK : opened.status;
 }
 
-HRESULT AdvanceOpened(const OpenedTextFile& opened, const std::wstring& path, UINT32& counter) {
-    ParseLastLine(ReadText(opened.file).value_or(L""), counter);
-    ++counter;
-    return Write(opened, path, counter);
-}
-
 // A failed write is not always told.
 HRESULT CheckWritten(const CHandle& file, UINT32 counter) {
     SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
@@ -88,22 +82,18 @@ HRESULT WriteCounter(const std::wstring& path, UINT32 counter) {
     return opened.file ? Write(opened, path, counter) : opened.status;
 }
 
-HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter) {
-    const OpenedTextFile opened = OpenTextFileForWriting(path);
+HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter, MissingFile missing) {
+    const HRESULT wasThere = HresultFromWin32(ERROR_ALREADY_EXISTS);
+    OpenedTextFile opened =
+        missing == MissingFile::IsMade ? OpenTextFileForWriting(path) : OpenTextFileForUpdate(path);
     if (!opened.file) return opened.status;
+    if (missing == MissingFile::IsTold) opened.status = wasThere;
     counter = 1;
-    return opened.status == HresultFromWin32(ERROR_ALREADY_EXISTS)
-               ? AdvanceOpened(opened, path, counter)
-               : Write(opened, path, counter);
-}
-
-HRESULT AdvanceExistingCounter(const std::wstring& path, UINT32& counter) {
-    OpenedTextFile opened = OpenTextFileForUpdate(path);
-    if (!opened.file) return opened.status;
-    // What a failed write answers over a file that was there.
-    opened.status = HresultFromWin32(ERROR_ALREADY_EXISTS);
-    counter = 1;
-    return AdvanceOpened(opened, path, counter);
+    if (opened.status == wasThere) {
+        ParseLastLine(ReadText(opened.file).value_or(L""), counter);
+        ++counter;
+    }
+    return Write(opened, path, counter);
 }
 
 void RaiseCounter(const std::wstring& path, UINT32 counter) {

@@ -18,10 +18,10 @@ HRESULT WriteCounter(const std::wstring& path, UINT32 counter);
 // Adds one to the counter, which it hands out: 1 where there is no file, 2 where it has no line.
 // The file is open for nobody else from the reading to the writing, so that no counter is handed
 // out twice even when the wait for the lock has timed out. Results as those of WriteCounter.
-HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter);
-
-// The same for a file that is there: its Win32 error when it is not.
-HRESULT AdvanceExistingCounter(const std::wstring& path, UINT32& counter);
+// A file that is missing is made unless that is to be told, by its Win32 error.
+enum class MissingFile { IsMade, IsTold };
+HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter,
+                       MissingFile missing = MissingFile::IsMade);
 
 // Rewrites a file that is there with the counter unless its own is higher, in one piece like
 // AdvanceCounter. A file that cannot be opened or read stays as it is.

@@ -57,21 +57,14 @@ UINT64 IdFromAnyValue(const VARIANT& value) noexcept {
     }
 }
 
-// Runs "SELECT * ... IN(...)" for the ids and calls onRow for each row. Returns the engine's
-// result; prepared tells whether it came to running it.
+// Binds the ids to the prepared statement and calls onRow for each row. Returns the engine's
+// result.
 template <class Id, class OnRow>
-int FetchRows(const Target& target, const CDatabase& database, std::span<const Id> ids,
-              bool& prepared, OnRow onRow) {
-    CStatement statement(database);
-    int status = statement.Prepare(IdListStatement(target.Table(), ids.size()));
-    prepared = status == kSqliteOk;
+int FetchRows(CStatement& statement, std::span<const Id> ids, OnRow onRow) {
     CBinder binder(statement);
-    if (prepared) {
-        for (const Id id : ids)
-            binder.Integer(static_cast<INT64>(id));
-        status = binder.Result();
-    }
-    return status == kSqliteOk ? statement.ForEachRow([&] { onRow(statement); }) : status;
+    for (const Id id : ids)
+        binder.Integer(static_cast<INT64>(id));
+    return binder.Result() == kSqliteOk ? statement.ForEachRow(onRow) : binder.Result();
 }
 
 // What the container gave for the ids to fetch.
@@ -99,10 +92,12 @@ HRESULT FindRecords(const CActionLogStore& store, const Target& target, const Wa
     if (!session.IsOpen()) return session.Opened();
     if (FAILED(wanted.read)) return wanted.read;
     if (wanted.ids.empty()) return S_FALSE;
-    bool prepared = false;
-    const int status =
-        FetchRows(target, session.Database(), wanted.ids, prepared,
-                  [&](const CStatement& row) { records.push_back(ReadStoredRecord(row)); });
+    CStatement statement(session.Database());
+    int status = statement.Prepare(IdListStatement(target.Table(), wanted.ids.size()));
+    if (status == kSqliteOk) {
+        status = FetchRows(statement, wanted.ids,
+                           [&] { records.push_back(ReadStoredRecord(statement)); });
+    }
     return SuccessAsOk(SqliteResultToHresult(status));
 }
 
@@ -166,11 +161,15 @@ FoundToTake FindToTake(const CActionLogStore& store, const Target& target,
     if (!session.IsOpen()) return found;
     found.result = FAILED(wanted.read) ? wanted.read : S_FALSE;
     if (!wanted.isId) return found;
-    const int status = FetchRows(target, session.Database(), std::span(&wanted.id, 1),
-                                 found.mayDelete, [&](const CStatement& row) {
-                                     const wchar_t* const text = row.ColumnText(kParametersIndex);
-                                     if (text) found.parameters.emplace_back(text);
-                                 });
+    CStatement statement(session.Database());
+    int status = statement.Prepare(IdListStatement(target.Table(), /*count=*/1));
+    found.mayDelete = status == kSqliteOk;
+    if (found.mayDelete) {
+        status = FetchRows(statement, std::span(&wanted.id, 1), [&] {
+            const wchar_t* const text = statement.ColumnText(kParametersIndex);
+            if (text) found.parameters.emplace_back(text);
+        });
+    }
     found.result = SuccessAsOk(SqliteResultToHresult(status));
     return found;
 }

@@ -11,11 +11,9 @@ namespace tsl {
 
 namespace {
 
-// From the counter that is there, or from a new one.
-HRESULT IssueRecordId(const CActionLogStore& store, bool isThere, UINT32& recordId) {
+HRESULT IssueRecordId(const CActionLogStore& store, UINT32& recordId, MissingFile missing) {
     const CMutexGuard lock(store.LogIdLock(), kLogIdTimeoutMilliseconds);
-    const std::wstring path = DbFolder() + kCounterFileName;
-    return isThere ? AdvanceExistingCounter(path, recordId) : AdvanceCounter(path, recordId);
+    return AdvanceCounter(DbFolder() + kCounterFileName, recordId, missing);
 }
 
 HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
@@ -33,10 +31,10 @@ HRESULT AnswerRecordId(UINT32 recordId, VARIANT* result) {
 HRESULT NextRecordId(const CActionLogStore& store, ITslParamContainer* container, VARIANT* result) {
     if (!container) return E_POINTER;
     UINT32 recordId = 1;
-    HRESULT issued = IssueRecordId(store, /*isThere=*/true, recordId);
+    HRESULT issued = IssueRecordId(store, recordId, MissingFile::IsTold);
     if (issued == HresultFromWin32(ERROR_FILE_NOT_FOUND)) {
         issued = ConvertBeforeFirstId(store);
-        if (SUCCEEDED(issued)) issued = IssueRecordId(store, /*isThere=*/false, recordId);
+        if (SUCCEEDED(issued)) issued = IssueRecordId(store, recordId, MissingFile::IsMade);
     }
     return FAILED(issued) ? issued : AnswerRecordId(recordId, result);
 }

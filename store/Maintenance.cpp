@@ -22,24 +22,6 @@ bool IsConverted() {
     return FileExists(DbFolder() + kCounterFileName);
 }
 
-int SetLogKinds(const CDatabase& database, const std::wstring& table) {
-    const std::wstring update = L"UPDATE " + table + L" SET " + kLogKindColumn + L" = ";
-    const int result = ExecuteStatement(database, update + std::to_wstring(kLogKindOfKeptRecords));
-    if (result != kSqliteOk) return result;
-    return ExecuteStatement(database, update + std::to_wstring(kLogKindOfLocations) + L" WHERE " +
-                                          kActionNameColumn + L" = \"" + kLocationName + L"\"");
-}
-
-int ReadLastId(const CDatabase& database, const std::wstring& table, UINT32& lastId) {
-    INT64 number = 0;
-    const int result = ReadNumber(database,
-                                  L"SELECT * FROM " + table + L" WHERE " + kCurrentRecordIdColumn +
-                                      L" = " + std::to_wstring(kCurrentRow),
-                                  kLastIdIndex, number);
-    lastId = static_cast<UINT32>(number);
-    return result;
-}
-
 // The table that holds the records, and the one that held the last id.
 std::wstring ActionTable() {
     return TableName(kTablePrefix, kActionLogTable);
@@ -48,16 +30,35 @@ std::wstring OldIdTable() {
     return TableName(kTablePrefix, kRecordIdTable);
 }
 
+int SetLogKinds(const CDatabase& database) {
+    const std::wstring update = L"UPDATE " + ActionTable() + L" SET " + kLogKindColumn + L" = ";
+    const int result = ExecuteStatement(database, update + std::to_wstring(kLogKindOfKeptRecords));
+    if (result != kSqliteOk) return result;
+    return ExecuteStatement(database, update + std::to_wstring(kLogKindOfLocations) + L" WHERE " +
+                                          kActionNameColumn + L" = \"" + kLocationName + L"\"");
+}
+
+int ReadLastId(const CDatabase& database, UINT32& lastId) {
+    INT64 number = 0;
+    const int result =
+        ReadNumber(database,
+                   L"SELECT * FROM " + OldIdTable() + L" WHERE " + kCurrentRecordIdColumn + L" = " +
+                       std::to_wstring(kCurrentRow),
+                   kLastIdIndex, number);
+    lastId = static_cast<UINT32>(number);
+    return result;
+}
+
 HRESULT Open(const CActionLogStore& store, CDatabase& database) {
     return store.Open(kActionLogFileName, kTablePrefix, kActionLogTable, &database,
                       TableShape::RecordId, /*create=*/false, FileUse::Convert);
 }
 
 HRESULT Convert(const CActionLogStore& store, const CDatabase& database) {
-    int result = SetLogKinds(database, ActionTable());
+    int result = SetLogKinds(database);
     if (result != kSqliteOk) return SqliteResultToHresult(result);
     UINT32 lastId = 0;
-    result = ReadLastId(database, OldIdTable(), lastId);
+    result = ReadLastId(database, lastId);
     if (result != kSqliteOk) return SqliteResultToHresult(result);
     // The first id handed out is one above this, so the ids of old and new records have a gap.
     const HRESULT seeded = SeedCounter(store, lastId + 1);
@@ -66,17 +67,12 @@ HRESULT Convert(const CActionLogStore& store, const CDatabase& database) {
     return SuccessAsOk(SqliteResultToHresult(result));
 }
 
-// SQLITE_ROW when the file has both tables of an older store, SQLITE_DONE when it has not; else
-// what keeps the engine from telling.
-int FindOlderStore(const CDatabase& database) {
-    INT64 tables = 0;
-    const int result = ReadNumber(database,
-                                  L"SELECT COUNT(*) FROM sqlite_master WHERE name IN ('" +
-                                      ActionTable() + L"','" + OldIdTable() + L"')",
-                                  /*column=*/0, tables);
-    if (result != kSqliteOk) return result;
-    constexpr INT64 kBoth = 2;
-    return tables == kBoth ? kSqliteRow : kSqliteDone;
+// How many of the two tables of an older store the file has.
+int CountOlderTables(const CDatabase& database, INT64& tables) {
+    return ReadNumber(database,
+                      L"SELECT COUNT(*) FROM sqlite_master WHERE name IN ('" + ActionTable() +
+                          L"','" + OldIdTable() + L"')",
+                      /*column=*/0, tables);
 }
 
 bool IsEmptyOrMissing(const std::wstring& path) {
@@ -106,12 +102,14 @@ HRESULT ConvertBeforeFirstId(const CActionLogStore& store) {
     CDatabase database;
     const HRESULT opened = Open(store, database);
     if (FAILED(opened) || !database) return opened;
-    constexpr int kNotADatabase = 26;
-    const int older = FindOlderStore(database);
-    if (older == kSqliteDone || older == kNotADatabase) return S_OK;
-    if (older != kSqliteRow) return SqliteResultToHresult(older);
+    constexpr INT64 kBoth = 2;
+    INT64 tables = 0;
+    const int counted = CountOlderTables(database, tables);
+    if (counted == kSqliteNotADatabase) return S_OK;
+    if (counted != kSqliteOk) return SqliteResultToHresult(counted);
+    if (tables < kBoth) return S_OK;
     UINT32 lastId = 0;
-    const int found = ReadLastId(database, OldIdTable(), lastId);
+    const int found = ReadLastId(database, lastId);
     // Without a last id that can be read nobody knows where its ids end.
     if (found == kSqliteDone || found == kSqliteError) return S_OK;
     return found == kSqliteOk ? Convert(store, database) : SqliteResultToHresult(found);

@@ -21,6 +21,9 @@ public:
     HRESULT Opened() const noexcept { return m_opened; }
     const CDatabase& Database() const noexcept { return m_database; }
 
+protected:
+    CTableSession(const CActionLogStore& store, const Target& target, FileUse use, bool create);
+
 private:
     CDatabase m_database;
     HRESULT m_opened;
@@ -29,14 +32,9 @@ private:
 // For a record, inside one transaction, the making of the table among it: what is written comes
 // whole or not at all. The file's write lock is taken at once, so that a busy file is told before
 // anything is done.
-class CWriteSession {
+class CWriteSession : public CTableSession {
 public:
     CWriteSession(const CActionLogStore& store, const Target& target);
-
-    // As above.
-    bool IsOpen() const noexcept { return SUCCEEDED(m_opened) && m_database; }
-    HRESULT Opened() const noexcept { return m_opened; }
-    const CDatabase& Database() const noexcept { return m_database; }
 
     // The engine's result of beginning the transaction, to be looked at before anything is written.
     int Begun() const noexcept { return m_begun; }
@@ -46,9 +44,7 @@ public:
     int End(int result) { return result == kSqliteOk ? m_transaction.Commit() : result; }
 
 private:
-    CDatabase m_database;
-    CTransaction m_transaction{m_database};
-    HRESULT m_opened;
+    CTransaction m_transaction{Database()};
     int m_begun = kSqliteError;
 };
 

@@ -6,58 +6,40 @@
 #include "console/ParamContainer.h"
 #include "console/Text.h"
 #include "tests/support/Containers.h"
+#include "tests/support/ForwardingContainer.h"
 
 namespace tsl::test {
 
 namespace {
 
-class CallingContainer final : public ITslParamContainer {
+class CallingContainer final : public CountedForwardingContainer {
 public:
     CallingContainer(CallingHost& host, CComPtr<CTslParamContainer> values)
-        : m_host(host), m_values(std::move(values)) {}
+        : CountedForwardingContainer(std::move(values)), m_host(host) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
         m_host.Enter(HostMethod::QueryInterface);
-        const bool known = iid == IID_IUnknown || iid == IID_ITslParamContainer;
-        *result = known ? this : nullptr;
-        if (known) AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG references = --m_references;
-        if (references == 0) delete this;
-        return references;
-    }
-    HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* code) override {
-        return m_values->GetCommandCode(code);
+        return CountedForwardingContainer::QueryInterface(iid, result);
     }
     HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 code) override {
         m_host.Enter(HostMethod::SetCommandCode);
-        return m_values->SetCommandCode(code);
+        return CountedForwardingContainer::SetCommandCode(code);
     }
     HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
         m_host.Enter(HostMethod::GetValue);
-        return m_values->GetValue(key, value);
+        return CountedForwardingContainer::GetValue(key, value);
     }
     HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
         m_host.Enter(HostMethod::SetValue);
-        return m_values->SetValue(key, value);
-    }
-    HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override {
-        return m_values->RemoveValue(key);
+        return CountedForwardingContainer::SetValue(key, value);
     }
     HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override {
         m_host.Enter(HostMethod::GetKeys);
-        return m_values->GetKeys(keys);
+        return CountedForwardingContainer::GetKeys(keys);
     }
 
 private:
-    ~CallingContainer() = default;
-
     CallingHost& m_host;
-    CComPtr<CTslParamContainer> m_values;
-    ULONG m_references = 1;
 };
 
 class CallingSink final : public ITslContentPropertySink {

@@ -7,6 +7,7 @@
 #include "console/ComInitialization.h"
 #include "console/PluginLibrary.h"
 #include "tests/calls/Commands.h"
+#include "tests/support/FileDatabase.h"
 #include "tests/support/StoreChecks.h"
 #include "tests/support/StoreFixture.h"
 
@@ -34,6 +35,17 @@ protected:
         m_host.reset();
         m_com.reset();
         StoreTest::TearDown();
+    }
+
+    // So many records of the user in the replay log.
+    static void FillReplayLog(int records) {
+        const FileDatabase database(ReplayPath());
+        database.Query("DELETE FROM TslIf_ActionReplay");
+        database.Query(
+            "WITH RECURSIVE n(i) AS (SELECT 10001 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+            std::to_string(10000 + records) +
+            ") INSERT INTO TslIf_ActionReplay (ActionLogId, UserId, ActionName, PluginLoggedTime, "
+            "LogKind) SELECT i, 7, 'a', 45000.0, 1 FROM n");
     }
 
     CallingHost& Host() { return *m_host; }

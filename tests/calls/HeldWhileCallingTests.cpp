@@ -1,5 +1,6 @@
 // The host is never called while the component holds a lock or has a file of the store open. Seen
 // from outside: another process tries the locks and opens the files for itself alone.
+#include "component/host/CommandCodes.h"
 #include "tests/calls/CallsFixture.h"
 #include "tests/support/Containers.h"
 #include "tests/support/StartedProgram.h"
@@ -60,6 +61,12 @@ TEST_F(HeldWhileCalling, NothingIsInAnyMethodOfTheHost) {
         current = command.name;
         CallByHost(command, Plugin(), Turn::First);
     }
+    current = "a hundredth that trims";
+    FillReplayLog(1000);
+    const ContainerBuilder hundredth = Action(500, L"playItem");
+    EXPECT_EQ(S_OK, Plugin().Notify(kCommandRecordAction, Host().Argument(hundredth.Get()).Get()));
+    EXPECT_EQ("0", FileDatabase(ReplayPath())
+                       .Value("SELECT COUNT(*) FROM TslIf_ActionReplay WHERE ActionLogId > 10000"));
     current = "SetHost";
     EXPECT_EQ(S_OK, Plugin().SetHost(Host().HostObject().Get()));
     EXPECT_EQ(S_FALSE, Plugin().SetHost(nullptr));

@@ -76,15 +76,12 @@ protected:
                         TryAt(outer, inner, method, entry, allowed, By::AnotherObject);
                     if (count == 1 || HasFatalFailure()) break;
                 }
-                ++m_seen[method];
             }
             // The other object needs no more than one look at each pair in the short form.
             const auto first = entries.begin();
             TryAt(outer, inner, first->first, first->second, allowed, By::AnotherObject);
         }
     }
-    const std::map<HostMethod, int>& Seen() const { return m_seen; }
-
     void PutBaseStoreBack() {
         Host().onCall = nullptr;
         Host().sunk.clear();
@@ -143,7 +140,6 @@ private:
     }
 
     std::map<std::filesystem::path, Bytes> m_base;
-    std::map<HostMethod, int> m_seen;
     CComPtr<ITslPluginDb2> m_other;
 };
 

@@ -26,16 +26,6 @@ protected:
     static bool IsLogged(UINT32 id) { return HasRow(ActionLogPath(), kActionLogRows, id); }
     static bool IsReplayed(UINT32 id) { return HasRow(ReplayPath(), kReplayRows, id); }
 
-    // So many records of the user in the replay log.
-    static void FillReplayLog(int records) {
-        const FileDatabase database(ReplayPath());
-        database.Query("DELETE FROM TslIf_ActionReplay");
-        database.Query(
-            "WITH RECURSIVE n(i) AS (SELECT 10001 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-            std::to_string(10000 + records) +
-            ") INSERT INTO TslIf_ActionReplay (ActionLogId, UserId, ActionName, PluginLoggedTime, "
-            "LogKind) SELECT i, 7, 'a', 45000.0, 1 FROM n");
-    }
     static std::string ReplayedOfUser() {
         return FileDatabase(ReplayPath())
             .Value("SELECT COUNT(*) FROM TslIf_ActionReplay WHERE UserId = 7");

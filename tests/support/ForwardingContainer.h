@@ -40,4 +40,28 @@ private:
     CComPtr<CTslParamContainer> m_values;
 };
 
+// On the heap: counts its references and goes with the last.
+class CountedForwardingContainer : public ForwardingContainer {
+public:
+    using ForwardingContainer::ForwardingContainer;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
+        const HRESULT found = ForwardingContainer::QueryInterface(iid, result);
+        if (found == S_OK) AddRef();
+        return found;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const ULONG references = --m_references;
+        if (references == 0) delete this;
+        return references;
+    }
+
+protected:
+    virtual ~CountedForwardingContainer() = default;
+
+private:
+    ULONG m_references = 1;
+};
+
 } // namespace tsl::test

@@ -1,56 +1,34 @@
 #include "tests/support/HostContainers.h"
 
 #include "base/Hresult.h"
-#include "component/host/Identities.h"
-#include "console/ParamContainer.h"
+#include "tests/support/ForwardingContainer.h"
 
 namespace tsl::test {
 
 namespace {
 
-class CountedContainer final : public ITslParamContainer {
+class CountedContainer final : public CountedForwardingContainer {
 public:
-    explicit CountedContainer(HostContainers& owner) : m_owner(owner) { ++m_owner.live; }
+    explicit CountedContainer(HostContainers& owner)
+        : CountedForwardingContainer(CTslParamContainer::Create()), m_owner(owner) {
+        ++m_owner.live;
+    }
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID asked, void** result) override {
-        const bool known = asked == IID_IUnknown || asked == IID_ITslParamContainer;
-        *result = known ? this : nullptr;
-        if (known) AddRef();
-        return known ? S_OK : E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return ++m_references; }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const ULONG references = --m_references;
-        if (references == 0) delete this;
-        return references;
-    }
-    HRESULT STDMETHODCALLTYPE GetCommandCode(UINT64* code) override {
-        return m_values->GetCommandCode(code);
-    }
     HRESULT STDMETHODCALLTYPE SetCommandCode(UINT64 code) override {
         m_owner.calls.push_back(0);
         const HRESULT step = m_owner.TakeStep();
-        return FAILED(step) ? step : m_values->SetCommandCode(code);
-    }
-    HRESULT STDMETHODCALLTYPE GetValue(UINT64 key, VARIANT* value) override {
-        return m_values->GetValue(key, value);
+        return FAILED(step) ? step : CountedForwardingContainer::SetCommandCode(code);
     }
     HRESULT STDMETHODCALLTYPE SetValue(UINT64 key, VARIANT* value) override {
         m_owner.calls.push_back(key);
         const HRESULT step = m_owner.TakeStep();
-        return FAILED(step) ? step : m_values->SetValue(key, value);
+        return FAILED(step) ? step : CountedForwardingContainer::SetValue(key, value);
     }
-    HRESULT STDMETHODCALLTYPE RemoveValue(UINT64 key) override {
-        return m_values->RemoveValue(key);
-    }
-    HRESULT STDMETHODCALLTYPE GetKeys(VARIANT* keys) override { return m_values->GetKeys(keys); }
 
 private:
-    ~CountedContainer() { --m_owner.live; }
+    ~CountedContainer() override { --m_owner.live; }
 
     HostContainers& m_owner;
-    CComPtr<CTslParamContainer> m_values = CTslParamContainer::Create();
-    ULONG m_references = 1;
 };
 
 } // namespace

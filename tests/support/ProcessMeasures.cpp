@@ -7,10 +7,8 @@ namespace tsl::test {
 namespace {
 
 size_t AllocatedHeapBytes() {
-    std::vector<HANDLE> heaps(64);
-    heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
     size_t bytes = 0;
-    for (const HANDLE heap : heaps) {
+    for (const HANDLE heap : ProcessHeaps()) {
         PROCESS_HEAP_ENTRY entry{};
         while (HeapWalk(heap, &entry)) {
             if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
@@ -30,6 +28,12 @@ size_t CommittedPrivateBytes() {
 }
 
 } // namespace
+
+std::vector<HANDLE> ProcessHeaps() {
+    std::vector<HANDLE> heaps(64);
+    heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
+    return heaps;
+}
 
 int CountHandles() {
     // Values beyond this would need thousands of open ones.

@@ -5,11 +5,14 @@
 #include <windows.h>
 
 #include <string>
+#include <vector>
 
 namespace tsl::test {
 
 // Open handles. Takes long: each value is tried.
 int CountHandles();
+
+std::vector<HANDLE> ProcessHeaps();
 
 struct MemoryUsage {
     // What is allocated on any heap of the process. An allocator that keeps blocks of a size

@@ -11,10 +11,8 @@ namespace {
 void MakeStocks() {
     constexpr size_t kBlocks = 32;
     constexpr size_t kLargest = 4096;
-    std::vector<HANDLE> heaps(64);
-    heaps.resize(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()));
     std::vector<void*> blocks(kBlocks);
-    for (const HANDLE heap : heaps) {
+    for (const HANDLE heap : ProcessHeaps()) {
         for (size_t size = 8; size <= kLargest; size += 16) {
             for (void*& block : blocks)
                 block = HeapAlloc(heap, 0, size);
