@@ -46,14 +46,12 @@ struct Caller {
                 ExpectAnswers("ids by time", recorded, plugin, kCommandQueryIds, OfUser());
                 break;
             case 4:
-                ExpectAnswers(
-                    "ids by id", recorded, plugin, kCommandQueryIds,
-                    OfUser().Ui4(kKeyFirstRecordId, 1).Ui4(kKeyLastRecordId, 0xFFFFFFFF));
+                ExpectAnswers("ids by id", recorded, plugin, kCommandQueryIds,
+                              OfUser().Ui4(kKeyFirstRecordId, 1).Ui4(kKeyLastRecordId, 0xFFFFFFFF));
                 break;
             case 5:
-                ExpectAnswers(
-                    "records", std::min(recorded, 2u), plugin, kCommandQueryRecords,
-                    ContainerBuilder().Array<ULONG>(kKeyRecordIds, {OwnId(0), OwnId(1)}));
+                ExpectAnswers("records", std::min(recorded, 2u), plugin, kCommandQueryRecords,
+                              ContainerBuilder().Array<ULONG>(kKeyRecordIds, {OwnId(0), OwnId(1)}));
                 break;
             case 6:
                 Expect(
