@@ -23,7 +23,7 @@ private:
 };
 
 // Maps a Win32 error code: 0 stays S_OK, any other code c gives 0x80070000 | (c & 0xFFFF).
-inline HRESULT HresultFromWin32(DWORD error) noexcept {
+constexpr HRESULT HresultFromWin32(DWORD error) noexcept {
     return HRESULT_FROM_WIN32(error);
 }
 

@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "base/Hresult.h"
 #include "base/LocalMemory.h"
 #include "files/AccessList.h"
 #include "files/Paths.h"
@@ -29,22 +30,39 @@ OwnedSid EveryoneSid() noexcept {
     return OwnedSid(sid);
 }
 
-DWORD WriteList(const std::wstring& path, const CAccessList& entries) {
+// Writes the list to this object alone: an entry that is handed down would reach what others have
+// put into a folder.
+DWORD WriteList(const CHandle& opened, const CAccessList& entries,
+                SECURITY_DESCRIPTOR_CONTROL control) {
     std::vector<std::byte> storage;
     const DWORD error = entries.Build(storage);
     if (error != ERROR_SUCCESS) return error;
-    std::wstring name(path);
-    return SetNamedSecurityInfoW(name.data(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
-                                 /*owner=*/nullptr, /*group=*/nullptr,
-                                 reinterpret_cast<ACL*>(storage.data()), /*sacl=*/nullptr);
+    const CHandle writable(ReOpenFile(opened.Get(), READ_CONTROL | WRITE_DAC,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT));
+    if (!writable) return GetLastError();
+    SECURITY_DESCRIPTOR descriptor{};
+    // Inherited entries stay what they are.
+    constexpr SECURITY_DESCRIPTOR_CONTROL kInherits =
+        SE_DACL_AUTO_INHERIT_REQ | SE_DACL_AUTO_INHERITED;
+    const bool inherits = (control & SE_DACL_AUTO_INHERITED) != 0;
+    const bool isWritten =
+        InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION) &&
+        SetSecurityDescriptorDacl(&descriptor, /*present=*/TRUE,
+                                  reinterpret_cast<ACL*>(storage.data()), /*defaulted=*/FALSE) &&
+        (!inherits || SetSecurityDescriptorControl(&descriptor, kInherits, kInherits)) &&
+        SetKernelObjectSecurity(writable.Get(), DACL_SECURITY_INFORMATION, &descriptor);
+    return isWritten ? ERROR_SUCCESS : GetLastError();
 }
 
-bool GrantAccess(const std::wstring& path) {
+} // namespace
+
+bool GrantAccess(const CHandle& opened, bool* isNewEntry) {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR read = nullptr;
-    const DWORD error = GetNamedSecurityInfoW(path.c_str(), SE_FILE_OBJECT,
-                                              DACL_SECURITY_INFORMATION, /*owner=*/nullptr,
-                                              /*group=*/nullptr, &list, /*sacl=*/nullptr, &read);
+    const DWORD error =
+        GetSecurityInfo(opened.Get(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, /*owner=*/nullptr,
+                        /*group=*/nullptr, &list, /*sacl=*/nullptr, &read);
     LocalMemory<std::remove_pointer_t<PSECURITY_DESCRIPTOR>> descriptor(read);
     if (error != ERROR_SUCCESS) {
         SetLastError(error);
@@ -53,32 +71,42 @@ bool GrantAccess(const std::wstring& path) {
     if (!list) return false;
     CAccessList entries;
     if (!entries.Read(list)) return false;
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    DWORD revision = 0;
+    if (!GetSecurityDescriptorControl(read, &control, &revision)) return false;
     descriptor.reset();
 
     const OwnedSid everyone = EveryoneSid();
     if (!everyone) return false;
     if (entries.Names(everyone.get())) return true;
-    // Full access, handed down to what a folder holds.
+    // Full access, handed down to what is made in a folder.
     if (!entries.Allow(everyone.get(), GENERIC_ALL, OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE)) {
         return false;
     }
-    const DWORD written = WriteList(path, entries);
+    const DWORD written = WriteList(opened, entries, control);
+    if (isNewEntry) *isNewEntry = written == ERROR_SUCCESS;
     SetLastError(written);
     return written == ERROR_SUCCESS;
 }
 
-} // namespace
-
-bool GrantFolderAccess(const std::wstring& path) {
-    if (!FolderExists(path)) {
+GrantedFolder PrepareFolder(const std::wstring& path) {
+    GrantedFolder folder{OpenCheckedFolder(path, READ_CONTROL)};
+    if (folder.opened.status == HresultFromWin32(ERROR_FILE_NOT_FOUND) ||
+        folder.opened.status == HresultFromWin32(ERROR_PATH_NOT_FOUND)) {
         CreateFolderTree(path);
-        if (!FolderExists(path)) return false;
+        folder.opened = OpenCheckedFolder(path, READ_CONTROL);
     }
-    return GrantAccess(path);
+    if (folder.opened.file) {
+        folder.isGranted = GrantAccess(folder.opened.file, &folder.isNewEntry);
+    }
+    return folder;
 }
 
 bool GrantFileAccess(const std::wstring& path) {
-    return FileExists(path) && GrantAccess(path);
+    if (!FileExists(path)) return false;
+    const OpenedFile file = OpenChecked(
+        path, READ_CONTROL, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING);
+    return file.file && GrantAccess(file.file);
 }
 
 } // namespace tsl

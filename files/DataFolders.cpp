@@ -10,24 +10,37 @@ namespace tsl {
 namespace {
 
 // Part of every installation's data path: not to be changed.
-constexpr std::wstring_view kCompanyFolder = L"Corvane Corporation";
 constexpr std::wstring_view kDbSubPath = L"Tessaly\\TslIfDbActionLog";
-constexpr std::wstring_view kUserIdSubPath = L"Corvane Corporation\\Tessaly\\UID\\";
+constexpr std::wstring_view kUserIdSubPath = L"Tessaly\\UID";
 
 } // namespace
 
-std::wstring DbFolder() {
-    std::wstring folder;
-    SpecialFolderPath(CSIDL_COMMON_APPDATA, folder, kDbSubPath, kCompanyFolder);
-    if (!folder.empty()) {
-        GrantFolderAccess(LongPathPrefix(folder, /*force=*/false, /*directory=*/false));
+DataFolder OpenDbFolder() {
+    DataFolder folder;
+    const bool isKnown =
+        SpecialFolderPath(CSIDL_COMMON_APPDATA, folder.path, kDbSubPath, kCompanyFolder);
+    folder.resolved = folder.path;
+    if (!isKnown) return folder;
+    const GrantedFolder granted =
+        PrepareFolder(LongPathPrefix(folder.path, /*force=*/false, /*directory=*/false));
+    folder.status = granted.opened.status;
+    if (!granted.opened.file) return folder;
+    folder.resolved = ResolvedPath(granted.opened.file, folder.path);
+    if (granted.isNewEntry) {
+        // What was in the folder before has not inherited the entry.
+        for (const wchar_t* const database : {kActionLogFileName, kReplayFileName})
+            GrantFileAccess(folder.path + database);
     }
     return folder;
 }
 
+std::wstring DbFolder() {
+    return OpenDbFolder().path;
+}
+
 std::wstring UserIdFolder() {
     std::wstring folder;
-    SpecialFolderPath(CSIDL_COMMON_APPDATA, folder, kUserIdSubPath);
+    SpecialFolderPath(CSIDL_COMMON_APPDATA, folder, kUserIdSubPath, kCompanyFolder);
     return folder;
 }
 

@@ -1,6 +1,12 @@
 #include "files/Paths.h"
 
+#include <objbase.h>
+
+#include <iterator>
 #include <string>
+
+#include "base/Hresult.h"
+#include "files/CheckedOpen.h"
 
 namespace tsl {
 
@@ -66,7 +72,17 @@ bool CreateFolderTree(const std::wstring& path, SECURITY_ATTRIBUTES* attributes)
     if (separator <= root) return CreateDirectoryW(path.c_str(), nullptr) != 0;
 
     if (!CreateFolderTree(path.substr(0, separator))) return FolderExists(path);
+    if (FAILED(CheckHolder(path))) return false;
     return CreateDirectoryW(path.c_str(), attributes) != 0 || FolderExists(path);
+}
+
+std::wstring NameBeside(const std::wstring& path) {
+    GUID chance{};
+    const HRESULT made = CoCreateGuid(&chance);
+    if (FAILED(made)) throw CHresultError(made);
+    wchar_t text[40];
+    StringFromGUID2(chance, text, static_cast<int>(std::size(text)));
+    return path + L'.' + text + L".new";
 }
 
 bool ModuleFilePath(std::wstring& path, HMODULE module) {

@@ -42,18 +42,22 @@ bool ParseLastLine(std::wstring_view text, UINT32& counter) {
     return true;
 }
 
-HRESULT Write(const OpenedTextFile& opened, const std::wstring& path, UINT32 counter) {
+// The file is one line: what is much larger is no counter, and no reason to begin anew.
+constexpr DWORD kMostCounterBytes = 64 * 1024;
+
+HRESULT Write(const OpenedFile& opened, UINT32 counter) {
     // Whatever becomes of the rights, the file is written.
-    AtBoundary([&] { return GrantFileAccess(path) ? S_OK : S_FALSE; });
+    AtBoundary([&] { return GrantAccess(opened.file) ? S_OK : S_FALSE; });
     return WriteText(opened.file, CounterLine(counter).Text()) ? S_OK : opened.status;
 }
 
 // A failed write is not always told.
 HRESULT CheckWritten(const CHandle& file, UINT32 counter) {
     SetFilePointer(file.Get(), 0, nullptr, FILE_BEGIN);
-    const std::optional<std::wstring> text = ReadText(file);
+    std::wstring text;
+    ReadText(file, kMostCounterBytes, text);
     UINT32 written = ~counter;
-    const bool whole = text && ParseLastLine(*text, written) && written == counter;
+    const bool whole = ParseLastLine(text, written) && written == counter;
     return whole ? S_OK : HresultFromWin32(ERROR_WRITE_FAULT);
 }
 
@@ -78,51 +82,53 @@ HRESULT Persistently(Attempt attempt) {
 } // namespace
 
 HRESULT WriteCounter(const std::wstring& path, UINT32 counter) {
-    const OpenedTextFile opened = OpenTextFileForWriting(path);
-    return opened.file ? Write(opened, path, counter) : opened.status;
+    const OpenedFile opened = OpenTextFileForWriting(path);
+    return opened.file ? Write(opened, counter) : opened.status;
 }
 
 HRESULT AdvanceCounter(const std::wstring& path, UINT32& counter, MissingFile missing) {
     const HRESULT wasThere = HresultFromWin32(ERROR_ALREADY_EXISTS);
-    OpenedTextFile opened =
+    OpenedFile opened =
         missing == MissingFile::IsMade ? OpenTextFileForWriting(path) : OpenTextFileForUpdate(path);
     if (!opened.file) return opened.status;
     if (missing == MissingFile::IsTold) opened.status = wasThere;
     counter = 1;
     if (opened.status == wasThere) {
-        ParseLastLine(ReadText(opened.file).value_or(L""), counter);
+        std::wstring text;
+        const HRESULT read = ReadText(opened.file, kMostCounterBytes, text);
+        if (FAILED(read)) return read;
+        ParseLastLine(text, counter);
         ++counter;
     }
-    return Write(opened, path, counter);
+    return Write(opened, counter);
 }
 
 void RaiseCounter(const std::wstring& path, UINT32 counter) {
-    const OpenedTextFile opened = OpenTextFileForUpdate(path);
+    const OpenedFile opened = OpenTextFileForUpdate(path);
     if (!opened.file) return;
-    const std::optional<std::wstring> text = ReadText(opened.file);
-    if (!text) return;
+    std::wstring text;
+    if (ReadText(opened.file, kMostCounterBytes, text) != S_OK) return;
     UINT32 present = 0;
-    ParseLastLine(*text, present);
-    if (present <= counter) Write(opened, path, counter);
+    ParseLastLine(text, present);
+    if (present <= counter) Write(opened, counter);
 }
 
 HRESULT WriteCounterAtOnce(const std::wstring& path, UINT32 counter) {
-    const std::wstring made = path + L".new";
-    OpenedTextFile opened;
+    OpenedFile opened;
     // One handle for all of it: nobody else can come between.
     HRESULT result = Persistently([&] {
-        opened = OpenTextFileToMove(made);
+        opened = OpenTextFileToMove(path);
         return opened.file ? S_OK : opened.status;
     });
     if (FAILED(result)) return result;
     result = AtBoundary([&] {
-        HRESULT step = Write(opened, made, counter);
+        HRESULT step = Write(opened, counter);
         if (SUCCEEDED(step)) step = CheckWritten(opened.file, counter);
         // Moving a file into place does not bring what it holds to the disk.
         if (SUCCEEDED(step) && !FlushFileBuffers(opened.file.Get())) step = HresultFromLastError();
-        return FAILED(step) ? step : Persistently([&] { return MoveTextFile(opened.file, path); });
+        return FAILED(step) ? step : Persistently([&] { return MoveOpened(opened.file, path); });
     });
-    if (FAILED(result)) DiscardTextFile(opened.file);
+    if (FAILED(result)) DiscardOpened(opened.file);
     return result;
 }
 
@@ -130,9 +136,12 @@ HRESULT ReadCounter(const std::wstring& path, UINT32& counter) {
     if (!FileExists(LongPathPrefix(path, /*force=*/false, /*directory=*/false))) {
         return E_INVALIDARG;
     }
-    const OpenedTextFile opened = OpenTextFileForReading(path);
+    const OpenedFile opened = OpenTextFileForReading(path);
     if (!opened.file) return opened.status;
-    return ParseLastLine(ReadText(opened.file).value_or(L""), counter) ? S_OK : opened.status;
+    std::wstring text;
+    const HRESULT read = ReadText(opened.file, kMostCounterBytes, text);
+    if (FAILED(read)) return read;
+    return ParseLastLine(text, counter) ? S_OK : opened.status;
 }
 
 } // namespace tsl

@@ -54,66 +54,86 @@ std::wstring FormatLine(const UserIdEntry& entry) {
     return id + entry.sid + L"\t\r\n";
 }
 
-// Empty when there is no file, or it cannot be read.
-std::vector<UserIdEntry> ReadEntries(const std::wstring& path) {
-    std::vector<UserIdEntry> entries;
-    if (!FileExists(path)) return entries;
-    const OpenedTextFile opened = OpenTextFileForReading(path);
-    if (!opened.file) return entries;
-    for (const std::wstring& line : SplitLines(ReadText(opened.file).value_or(L""))) {
+// More than 200,000 users.
+constexpr DWORD kMostListBytes = 32 * 1024 * 1024;
+
+// No entries when there is no file, or it cannot be read. Else S_OK; the failure for a file that is
+// refused or too large.
+HRESULT ReadEntries(const std::wstring& path, std::vector<UserIdEntry>& entries) {
+    if (!FileExists(path)) return S_OK;
+    const OpenedFile opened = OpenTextFileForReading(path);
+    if (!opened.file) return opened.isRefused ? opened.status : S_OK;
+    std::wstring text;
+    const HRESULT read = ReadText(opened.file, kMostListBytes, text);
+    if (FAILED(read)) return read;
+    for (const std::wstring& line : SplitLines(text))
         entries.push_back(ParseLine(line));
-    }
-    return entries;
+    return S_OK;
+}
+
+HRESULT Write(const std::vector<UserIdEntry>& entries, bool& isRefused) {
+    const std::wstring folder = UserIdFolder();
+    const CWriterSection section;
+    if (!GrantFolderAccess(Prefixed(folder))) return E_INVALIDARG;
+    std::wstring text;
+    for (const UserIdEntry& entry : entries)
+        text += FormatLine(entry);
+    const OpenedFile opened = OpenTextFileForWriting(Prefixed(folder + kUserIdFileName));
+    isRefused = opened.isRefused;
+    if (!opened.file) return opened.status;
+    // Whatever becomes of the rights, the file is written.
+    AtBoundary([&] { return GrantAccess(opened.file) ? S_OK : S_FALSE; });
+    return WriteText(opened.file, text) ? S_OK : opened.status;
 }
 
 } // namespace
 
-bool LookUpOrAssignUserId(const std::wstring& sid, std::vector<UserIdEntry>& entries, UINT64& id) {
+HRESULT LookUpOrAssignUserId(const std::wstring& sid, std::vector<UserIdEntry>& entries,
+                             UINT64& id) {
     const CNamedMutex mutex(kLoginInfoMutexName);
     const CMutexGuard lock(mutex, INFINITE);
     const std::wstring folder = UserIdFolder();
     entries.clear();
-    if (GrantFolderAccess(folder)) entries = ReadEntries(Prefixed(folder + kUserIdFileName));
+    const GrantedFolder granted = PrepareFolder(folder);
+    if (granted.opened.isRefused) return granted.opened.status;
+    if (granted.isGranted) {
+        const HRESULT read = ReadEntries(Prefixed(folder + kUserIdFileName), entries);
+        if (FAILED(read)) return read;
+    }
 
-    bool found = false;
+    bool isFound = false;
     UINT64 highest = 0;
+    UINT64 own = 0;
     for (const UserIdEntry& entry : entries) {
         if (_wcsicmp(entry.sid.c_str(), sid.c_str()) == 0) {
-            id = entry.id;
-            found = true;
+            own = entry.id;
+            isFound = true;
         }
         highest = std::max(highest, entry.id);
     }
-    if (found) return true;
-    id = highest + 1;
-    entries.push_back({id, sid});
-    WriteUserIdList(entries);
-    return false;
+    if (!isFound) {
+        own = highest + 1;
+        entries.push_back({own, sid});
+        bool isRefused = false;
+        const HRESULT written = Write(entries, isRefused);
+        if (isRefused) return written;
+    }
+    id = own;
+    return isFound ? S_FALSE : S_OK;
 }
 
 HRESULT WriteUserIdList(const std::vector<UserIdEntry>& entries) {
-    const std::wstring folder = UserIdFolder();
-    if (!GrantFolderAccess(folder)) return E_INVALIDARG;
-    const CWriterSection section;
-    if (!GrantFolderAccess(Prefixed(folder))) return E_INVALIDARG;
-    const std::wstring path = Prefixed(folder + kUserIdFileName);
-    std::wstring text;
-    for (const UserIdEntry& entry : entries)
-        text += FormatLine(entry);
-    const OpenedTextFile opened = OpenTextFileForWriting(path);
-    if (!opened.file) return opened.status;
-    // Whatever becomes of the rights, the file is written.
-    AtBoundary([&] { return GrantFileAccess(path) ? S_OK : S_FALSE; });
-    return WriteText(opened.file, text) ? S_OK : opened.status;
+    bool isRefused = false;
+    return Write(entries, isRefused);
 }
 
 HRESULT CurrentUserId(UINT64& id) {
     std::wstring sid;
-    const HRESULT result = CurrentUserSid(sid);
+    HRESULT result = CurrentUserSid(sid);
     if (FAILED(result)) return result;
     std::vector<UserIdEntry> entries;
-    LookUpOrAssignUserId(sid, entries, id);
-    return S_FALSE;
+    result = LookUpOrAssignUserId(sid, entries, id);
+    return FAILED(result) ? result : S_FALSE;
 }
 
 } // namespace tsl

@@ -22,18 +22,21 @@ struct UserIdEntry {
 // The security identifier of the process's user in string form. S_OK or E_INVALIDARG.
 HRESULT CurrentUserSid(std::wstring& sid);
 
-// Looks the user up, ignoring case; the last entry counts. A user that is not in the file is given
-// the highest id plus one, and the file is rewritten; a failure to do that is not reported. entries
-// receives the whole list. True when the user was found. Takes the mutex, however long that takes.
-bool LookUpOrAssignUserId(const std::wstring& sid, std::vector<UserIdEntry>& entries, UINT64& id);
+// Looks the user up, ignoring case; the last entry counts: S_FALSE. A user that is not in the file
+// is given the highest id plus one, and the file is rewritten; a failure to do that is not
+// reported: S_OK. entries receives the whole list. A file that is refused (CheckedOpen.h), or
+// larger than any list can be, gives its failure and no id, since any other id would be another
+// user's. Takes the mutex, however long that takes.
+HRESULT LookUpOrAssignUserId(const std::wstring& sid, std::vector<UserIdEntry>& entries,
+                             UINT64& id);
 
 // Rewrites the file. S_OK; E_INVALIDARG when the folder cannot be prepared; the Win32 error of a
 // failed open; the status of the open when a write fails. REQUIRES: the mutex is held or could not
 // be made.
 HRESULT WriteUserIdList(const std::vector<UserIdEntry>& entries);
 
-// The id of the process's user: S_FALSE with the id, or the failure of CurrentUserSid with the id
-// left as it is.
+// The id of the process's user: S_FALSE with the id, or the failure of CurrentUserSid or of the
+// lookup with the id left as it is.
 HRESULT CurrentUserId(UINT64& id);
 
 } // namespace tsl

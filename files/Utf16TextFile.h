@@ -5,41 +5,33 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/Handle.h"
+#include "base/Hresult.h"
+#include "files/CheckedOpen.h"
 
 namespace tsl {
 
-// An opened file and the thread's last error right after opening, as an HRESULT: also after a
-// success it tells something, that a file was there before (ERROR_ALREADY_EXISTS).
-struct OpenedTextFile {
-    CHandle file;
-    HRESULT status = S_OK;
-};
-
-OpenedTextFile OpenTextFileForReading(const std::wstring& path);
+// All of these as OpenChecked, for nobody else.
+OpenedFile OpenTextFileForReading(const std::wstring& path);
 
 // Creates the file or opens what is there, for reading and writing. Nothing is cut off yet, so that
 // a process that is ended before it writes leaves the old text.
-OpenedTextFile OpenTextFileForWriting(const std::wstring& path);
+OpenedFile OpenTextFileForWriting(const std::wstring& path);
 // The same, but for a file that is there.
-OpenedTextFile OpenTextFileForUpdate(const std::wstring& path);
+OpenedFile OpenTextFileForUpdate(const std::wstring& path);
 
-// Makes the file anew, to be moved over another one by MoveTextFile once it is whole.
-OpenedTextFile OpenTextFileToMove(const std::wstring& path);
-// Moves the opened file, over what is there. Readers find the old text or the new one. S_OK, or the
-// Win32 error with both files as they were.
-HRESULT MoveTextFile(const CHandle& file, const std::wstring& path);
-// Takes the opened file away when it is closed, as far as it can be.
-void DiscardTextFile(const CHandle& file) noexcept;
+// Makes a file beside the path, to be moved there by MoveOpened once it is whole. Throws
+// CHresultError.
+OpenedFile OpenTextFileToMove(const std::wstring& path);
 
 // The text behind the byte order mark, or from the first byte where there is none. An odd last byte
-// is left out. None when it cannot be read.
-std::optional<std::wstring> ReadText(const CHandle& file);
+// is left out. S_OK; S_FALSE, and no text, when it cannot be read; kFileTooLarge, and nothing read,
+// for more bytes than the limit.
+HRESULT ReadText(const CHandle& file, DWORD limit, std::wstring& text);
+inline constexpr HRESULT kFileTooLarge = HresultFromWin32(ERROR_FILE_TOO_LARGE);
 
 // Makes byte order mark and text all that the file holds; false when any of it could not be
 // written.

@@ -22,9 +22,13 @@ constexpr UINT32 kNoMark = 0;
 int HighestId(const CDatabase& database, const std::wstring& table, INT64 mark, INT64& highest) {
     highest = mark;
     if (mark != kNoMark) return kSqliteOk;
-    return ReadNumber(database,
-                      L"SELECT MAX(" + std::wstring(kActionLogIdColumn) + L") FROM " + table,
-                      /*column=*/0, highest);
+    // Without a function: the engine calls none here.
+    const std::wstring column(kActionLogIdColumn);
+    const int result = ReadNumber(database,
+                                  L"SELECT " + column + L" FROM " + table + L" ORDER BY " + column +
+                                      L" DESC LIMIT 1",
+                                  /*column=*/0, highest);
+    return result == kSqliteDone ? kSqliteOk : result; // an empty table
 }
 
 int DeleteRows(const CDatabase& database, const std::wstring& table, UINT32 recordId) {

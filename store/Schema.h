@@ -6,12 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "files/DataFolders.h"
 #include "store/Database.h"
 
 namespace tsl {
-
-inline constexpr wchar_t kActionLogFileName[] = L"ualog.db";
-inline constexpr wchar_t kReplayFileName[] = L"uareplay.db";
 
 inline constexpr wchar_t kTablePrefix[] = L"TslIf";
 inline constexpr wchar_t kActionLogTable[] = L"DbActionLog";

@@ -1,4 +1,6 @@
 // Databases in which nothing can be deleted: the answer of each form, and what is left behind.
+#include <algorithm>
+#include <stdexcept>
 #include <thread>
 
 #include "tests/deletion/DeletionFixture.h"
@@ -16,6 +18,21 @@ namespace {
 CHandle HoldDatabaseOpen(DWORD share) {
     return CHandle(CreateFileW(ActionLogPath().c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
                                FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// Where the first page begins that is nothing but the digit 0 behind the number of the next one.
+size_t PageOfDigits(const Bytes& database) {
+    constexpr size_t kPageBytes = 4096;
+    for (size_t page = 0; page < database.size(); page += kPageBytes) {
+        const auto digits = database.begin() + static_cast<std::ptrdiff_t>(page) + 4;
+        const bool isLast =
+            std::all_of(digits - 4, digits, [](unsigned char byte) { return !byte; });
+        if (!isLast &&
+            std::all_of(digits, digits + 100, [](unsigned char byte) { return byte == '0'; })) {
+            return page;
+        }
+    }
+    throw std::runtime_error("no such page");
 }
 
 } // namespace
@@ -114,12 +131,18 @@ TEST_F(DeletionFailure, DoesNotComeFromAReaderThatLeavesInTime) {
 
 TEST_F(DeletionFailure, OfAStepKeepsTheRows) {
     Prepare(kFourDays);
+    // The second record goes on in pages of its own, of which the chain leads beyond the file.
     FileDatabase(ActionLogPath())
-        .Query("CREATE TRIGGER refuse BEFORE DELETE ON TslIf_DbActionLog "
-               "WHEN OLD.ActionLogId = 2 BEGIN SELECT RAISE(ABORT, 'refused'); END");
-    ExpectFailure(kEngineConstraint);
-    EXPECT_EQ("1 2 3 4", Left()) << "a range is deleted as a whole or not at all";
-    FileDatabase(ActionLogPath()).Query("DROP TRIGGER refuse");
+        .Query("UPDATE TslIf_DbActionLog SET ActionParameters = hex(zeroblob(10000)) "
+               "WHERE ActionLogId = 2");
+    const Bytes whole = ReadBytes(ActionLogPath());
+    Bytes damaged = whole;
+    const size_t page = PageOfDigits(whole);
+    std::fill_n(damaged.begin() + static_cast<std::ptrdiff_t>(page), 4, Bytes::value_type{0x7F});
+    WriteBytes(ActionLogPath(), damaged);
+    ExpectFailure(kEngineCorrupt);
+    EXPECT_EQ(damaged, ReadBytes(ActionLogPath())) << "a range is deleted as a whole or not at all";
+    WriteBytes(ActionLogPath(), whole);
     ExpectAllAreLeftAndCanBeDeleted();
 }
 

@@ -6,6 +6,7 @@
 
 #include "base/LocalMemory.h"
 #include "files/AccessRights.h"
+#include "files/Paths.h"
 #include "tests/files/ScratchFolder.h"
 
 namespace tsl::test {
@@ -89,13 +90,18 @@ TEST_F(AccessRightsFaultTest, WriteIsAskedForTheAccessListAloneWithTheFullGrantI
         SCOPED_TRACE(folder ? "folder" : "file");
         const std::wstring object = At(folder ? L"folder" : L"file");
         int grants = 0;
-        Calls().setSecurity = [&](LPCWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
-                                  PSID owner, PSID group, PACL list, PACL auditList) {
+        Calls().setSecurity = [&](HANDLE opened, SECURITY_INFORMATION what,
+                                  PSECURITY_DESCRIPTOR descriptor) {
             ++writes;
-            EXPECT_EQ(object, path);
-            EXPECT_EQ(SE_FILE_OBJECT, type);
+            wchar_t path[MAX_PATH] = L"";
+            GetFinalPathNameByHandleW(opened, path, MAX_PATH, VOLUME_NAME_DOS);
+            EXPECT_EQ(L"\\\\?\\" + object, path);
             EXPECT_EQ(kAccessListOnly, what);
-            EXPECT_FALSE(owner || group || auditList);
+            PACL list = nullptr;
+            BOOL isPresent = FALSE;
+            BOOL isDefaulted = TRUE;
+            EXPECT_TRUE(GetSecurityDescriptorDacl(descriptor, &isPresent, &list, &isDefaulted));
+            EXPECT_TRUE(isPresent && !isDefaulted);
             for (WORD index = 0; index < list->AceCount; ++index) {
                 void* entry = nullptr;
                 EXPECT_TRUE(GetAce(list, index, &entry));
@@ -125,12 +131,14 @@ TEST_F(AccessRightsFaultTest, ObjectWithoutAListIsLeftAlone) {
     // No file or folder of the emulator is without a list, but its null device is.
     const std::wstring device = L"NUL";
     if (HasList(device)) GTEST_SKIP() << "the null device of this system has a list";
+    const CHandle opened(
+        CreateFileW(device.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
     Calls().getSecurity = [this](SECURITY_INFORMATION) {
         ++reads;
         return kSuccess;
     };
     FailWrites(kAccessDenied);
-    EXPECT_FALSE(GrantFileAccess(device));
+    EXPECT_FALSE(GrantAccess(opened));
     EXPECT_EQ(1, reads);
     EXPECT_EQ(0, writes);
 }
@@ -163,13 +171,12 @@ TEST_F(AccessRightsFaultTest, FolderThatCannotBeMadeIsNotAskedForItsList) {
     EXPECT_EQ(0, reads);
 }
 
-TEST_F(AccessRightsFaultTest, FolderThatCannotBeSeenAfterItWasMadeIsNotAskedForItsList) {
+TEST_F(AccessRightsFaultTest, FolderThatCannotBeOpenedAfterItWasMadeIsNotAskedForItsList) {
     FailReads(kAccessDenied);
     const std::wstring folder = At(L"new");
-    Calls().getFileAttributes = [&](LPCWSTR path) {
-        return path == folder ? kAccessDenied : kSuccess;
+    Calls().createFile = [&](LPCWSTR path, auto...) {
+        return path == folder && FolderExists(folder) ? kAccessDenied : kSuccess;
     };
-    Calls().getFileAttributesAnsi = [](LPCSTR) { return kAccessDenied; };
     EXPECT_FALSE(GrantFolderAccess(folder));
     EXPECT_EQ(0, reads);
     Calls() = SystemCalls();

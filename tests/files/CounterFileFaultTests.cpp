@@ -10,6 +10,7 @@ namespace tsl::test {
 
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 
 constexpr UINT32 kUntouched = 77;
@@ -53,10 +54,14 @@ TEST_F(CounterFileFaultTest, FilesAreOpenedForNobodyElse) {
     EXPECT_EQ(S_OK, WriteCounter(Path(), 42));
     EXPECT_EQ(S_OK, ReadCounter(Path(), counter));
     EXPECT_EQ(42u, counter);
-    EXPECT_THAT(opens,
-                ElementsAre(Open{Path(), GENERIC_READ | GENERIC_WRITE, 0, OPEN_ALWAYS,
-                                 FILE_ATTRIBUTE_NORMAL},
-                            Open{Path(), GENERIC_READ, 0, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL}));
+    // It is made only where it is not there, and links are opened themselves.
+    const DWORD toWrite = GENERIC_READ | GENERIC_WRITE | FILE_READ_ATTRIBUTES;
+    const DWORD flags = FILE_FLAG_OPEN_REPARSE_POINT | SECURITY_SQOS_PRESENT | SECURITY_ANONYMOUS;
+    EXPECT_THAT(
+        opens,
+        ElementsAre(Open{Path(), toWrite, 0, OPEN_EXISTING, flags},
+                    Open{Path(), toWrite | DELETE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL | flags},
+                    Open{Path(), GENERIC_READ | FILE_READ_ATTRIBUTES, 0, OPEN_EXISTING, flags}));
 }
 
 TEST_F(CounterFileFaultTest, FailedOpenGivesItsWin32Error) {
@@ -136,7 +141,8 @@ TEST_F(CounterFileFaultTest, LastErrorIsClearedRightBeforeTheOpen) {
     WriteCounter(Path(), 42);
     SetLastError(ERROR_ACCESS_DENIED);
     ReadCounter(Path(), counter);
-    EXPECT_THAT(errors, ElementsAre(ERROR_SUCCESS, ERROR_SUCCESS));
+    EXPECT_GE(errors.size(), 2u);
+    EXPECT_THAT(errors, Each(ERROR_SUCCESS));
 }
 
 TEST_F(CounterFileFaultTest, ErrorOfTheGrantIsNotTakenForTheStatus) {

@@ -9,6 +9,7 @@
 
 #include "base/Handle.h"
 #include "tests/files/SystemCalls.h"
+#include "tests/support/EveryoneAccess.h"
 #include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
@@ -49,12 +50,5 @@ CHandle OpenExclusively(const std::wstring& path);
 
 // A path of exactly the given length below the folder; no name in it is too long for a file system.
 std::wstring PathOfLength(const std::filesystem::path& folder, size_t length);
-
-// Whether any entry of the file's or folder's access list names Everyone. Throws when the list
-// cannot be read.
-bool NamesEveryone(const std::wstring& path);
-
-// The access mask of the first entry that grants Everyone something; 0 without such an entry.
-DWORD MaskOfEveryone(const std::wstring& path);
 
 } // namespace tsl::test

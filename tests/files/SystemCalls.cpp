@@ -142,24 +142,20 @@ BOOL WINAPI OnAllocateSid(PSID_IDENTIFIER_AUTHORITY authority, BYTE count, DWORD
     return call(authority, count, s0, s1, s2, s3, s4, s5, s6, s7, sid);
 }
 
-DWORD WINAPI OnGetSecurity(LPCWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
+DWORD WINAPI OnGetSecurity(HANDLE object, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
                            PSID* owner, PSID* group, PACL* list, PACL* auditList,
                            PSECURITY_DESCRIPTOR* descriptor) {
     const DWORD injected = Injected(Calls().getSecurity, what);
     if (injected != ERROR_SUCCESS) return injected;
-    static auto* const call =
-        System<decltype(GetNamedSecurityInfoW)>(kSecurity, "GetNamedSecurityInfoW");
-    return call(path, type, what, owner, group, list, auditList, descriptor);
+    static auto* const call = System<decltype(GetSecurityInfo)>(kSecurity, "GetSecurityInfo");
+    return call(object, type, what, owner, group, list, auditList, descriptor);
 }
 
-DWORD WINAPI OnSetSecurity(LPWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what, PSID owner,
-                           PSID group, PACL list, PACL auditList) {
-    const DWORD injected =
-        Injected(Calls().setSecurity, path, type, what, owner, group, list, auditList);
-    if (injected != ERROR_SUCCESS) return injected;
+BOOL WINAPI OnSetSecurity(HANDLE object, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR written) {
+    if (Fails(Calls().setSecurity, object, what, written)) return FALSE;
     static auto* const call =
-        System<decltype(SetNamedSecurityInfoW)>(kSecurity, "SetNamedSecurityInfoW");
-    return call(path, type, what, owner, group, list, auditList);
+        System<decltype(SetKernelObjectSecurity)>(kSecurity, "SetKernelObjectSecurity");
+    return call(object, what, written);
 }
 
 } // namespace
@@ -180,6 +176,6 @@ void* __imp_SHGetSpecialFolderLocation =
     reinterpret_cast<void*>(tsl::test::OnGetSpecialFolderLocation);
 void* __imp_SHGetPathFromIDListW = reinterpret_cast<void*>(tsl::test::OnGetPathFromItems);
 void* __imp_AllocateAndInitializeSid = reinterpret_cast<void*>(tsl::test::OnAllocateSid);
-void* __imp_GetNamedSecurityInfoW = reinterpret_cast<void*>(tsl::test::OnGetSecurity);
-void* __imp_SetNamedSecurityInfoW = reinterpret_cast<void*>(tsl::test::OnSetSecurity);
+void* __imp_GetSecurityInfo = reinterpret_cast<void*>(tsl::test::OnGetSecurity);
+void* __imp_SetKernelObjectSecurity = reinterpret_cast<void*>(tsl::test::OnSetSecurity);
 }

@@ -32,8 +32,7 @@ struct SystemCalls {
     std::function<DWORD(LPCITEMIDLIST items)> getPathFromItems;
     std::function<DWORD()> allocateSid;
     std::function<DWORD(SECURITY_INFORMATION what)> getSecurity;
-    std::function<DWORD(LPCWSTR path, SE_OBJECT_TYPE type, SECURITY_INFORMATION what, PSID owner,
-                        PSID group, PACL list, PACL auditList)>
+    std::function<DWORD(HANDLE object, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR written)>
         setSecurity;
 };
 

@@ -12,8 +12,16 @@ namespace {
 
 using ::testing::ElementsAreArray;
 
+constexpr DWORD kLimit = 4'000'000;
+
+std::wstring ReadAll(const CHandle& file) {
+    std::wstring text;
+    EXPECT_EQ(S_OK, ReadText(file, kLimit, text));
+    return text;
+}
+
 std::wstring TextOf(const std::wstring& path) {
-    return ReadText(OpenTextFileForReading(path).file).value();
+    return ReadAll(OpenTextFileForReading(path).file);
 }
 
 CHandle OpenShared(const std::wstring& path, DWORD access) {
@@ -48,7 +56,12 @@ struct SmallPipe {
 
 } // namespace
 
-class Utf16TextFileTest : public ScratchTest {};
+class Utf16TextFileTest : public ScratchTest {
+protected:
+    int CountFiles() const {
+        return static_cast<int>(std::distance(std::filesystem::directory_iterator(Scratch()), {}));
+    }
+};
 
 TEST_F(Utf16TextFileTest, WrittenTextIsReadBack) {
     for (const std::wstring& text :
@@ -77,7 +90,7 @@ TEST_F(Utf16TextFileTest, StatusTellsWhetherAFileWasThere) {
     EXPECT_EQ(kAlreadyExists, OpenTextFileForWriting(At(L"file")).status);
     SetLastError(ERROR_ACCESS_DENIED);
     EXPECT_EQ(S_OK, OpenTextFileForReading(At(L"file")).status);
-    const OpenedTextFile missing = OpenTextFileForReading(At(L"none"));
+    const OpenedFile missing = OpenTextFileForReading(At(L"none"));
     EXPECT_FALSE(missing.file);
     EXPECT_EQ(kFileNotFound, missing.status);
 }
@@ -85,9 +98,9 @@ TEST_F(Utf16TextFileTest, StatusTellsWhetherAFileWasThere) {
 TEST_F(Utf16TextFileTest, OpeningLeavesTheOldTextAndWritingReplacesAllOfIt) {
     WriteBytes(At(L"file"), Utf16FileBytes(L"a longer text"));
     {
-        const OpenedTextFile opened = OpenTextFileForWriting(At(L"file"));
+        const OpenedFile opened = OpenTextFileForWriting(At(L"file"));
         ASSERT_TRUE(opened.file);
-        EXPECT_EQ(L"a longer text", ReadText(opened.file));
+        EXPECT_EQ(L"a longer text", ReadAll(opened.file));
         EXPECT_TRUE(WriteText(opened.file, L"new"));
     }
     EXPECT_EQ(Utf16FileBytes(L"new"), ReadBytes(At(L"file")));
@@ -117,7 +130,7 @@ TEST_F(Utf16TextFileTest, FileCutWhileItIsReadGivesTheTextThatCame) {
         }
         return ERROR_SUCCESS;
     };
-    EXPECT_EQ(L"123", ReadText(file));
+    EXPECT_EQ(L"123", ReadAll(file));
     EXPECT_EQ(1, cuts);
 }
 
@@ -142,39 +155,50 @@ TEST_F(Utf16TextFileTest, MovedFileTakesThePlaceOfTheOther) {
         SCOPED_TRACE(isThere);
         if (isThere) WriteBytes(At(L"file"), Utf16FileBytes(L"old"));
         {
-            const OpenedTextFile made = OpenTextFileToMove(At(L"made"));
+            const OpenedFile made = OpenTextFileToMove(At(L"file"));
             ASSERT_TRUE(WriteText(made.file, L"new"));
             EXPECT_EQ(isThere, std::filesystem::exists(At(L"file"))) << "before the move";
-            EXPECT_EQ(S_OK, MoveTextFile(made.file, At(L"file")));
+            EXPECT_EQ(S_OK, MoveOpened(made.file, At(L"file")));
         }
         EXPECT_EQ(L"new", TextOf(At(L"file")));
-        EXPECT_FALSE(std::filesystem::exists(At(L"made")));
+        EXPECT_EQ(1, CountFiles());
     }
 }
 
-TEST_F(Utf16TextFileTest, FileToMoveIsMadeAnewAndForNobodyElse) {
-    WriteBytes(At(L"made"), Utf16FileBytes(L"half a text of somebody else's"));
-    const OpenedTextFile made = OpenTextFileToMove(At(L"made"));
-    ASSERT_TRUE(made.file);
-    EXPECT_EQ(L"", ReadText(made.file));
-    EXPECT_EQ(kSharingViolation, OpenTextFileForReading(At(L"made")).status);
+TEST_F(Utf16TextFileTest, FileToMoveHasANameThatNobodyCanGuess) {
+    const OpenedFile one = OpenTextFileToMove(At(L"file"));
+    const OpenedFile other = OpenTextFileToMove(At(L"file"));
+    ASSERT_TRUE(one.file);
+    ASSERT_TRUE(other.file);
+    EXPECT_EQ(2, CountFiles());
+    EXPECT_FALSE(std::filesystem::exists(At(L"file.new")));
 }
 
 TEST_F(Utf16TextFileTest, MoveThatFailsLeavesBothFilesAndIsDiscarded) {
     WriteBytes(At(L"file"), Utf16FileBytes(L"old"));
     {
-        const OpenedTextFile made = OpenTextFileToMove(At(L"made"));
+        const OpenedFile made = OpenTextFileToMove(At(L"file"));
         ASSERT_TRUE(WriteText(made.file, L"new"));
         const CHandle owner(CreateFileW(At(L"file").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                         OPEN_EXISTING, 0, nullptr));
         ASSERT_TRUE(owner);
-        const HRESULT moved = MoveTextFile(made.file, At(L"file"));
+        const HRESULT moved = MoveOpened(made.file, At(L"file"));
         EXPECT_TRUE(moved == kAccessDenied || moved == kSharingViolation) << std::hex << moved;
-        EXPECT_TRUE(std::filesystem::exists(At(L"made")));
-        DiscardTextFile(made.file);
+        EXPECT_EQ(2, CountFiles());
+        DiscardOpened(made.file);
     }
-    EXPECT_FALSE(std::filesystem::exists(At(L"made")));
+    EXPECT_EQ(1, CountFiles());
     EXPECT_EQ(L"old", TextOf(At(L"file")));
+}
+
+TEST_F(Utf16TextFileTest, MoreBytesThanTheLimitAreNotRead) {
+    WriteBytes(At(L"file"), Bytes(100, 'x'));
+    const OpenedFile opened = OpenTextFileForReading(At(L"file"));
+    std::wstring text = L"before";
+    EXPECT_EQ(kFileTooLarge, ReadText(opened.file, 99, text));
+    EXPECT_EQ(L"", text);
+    EXPECT_EQ(S_OK, ReadText(opened.file, 100, text));
+    EXPECT_EQ(50u, text.size());
 }
 
 TEST(SplitLines, CutsAtCrLfAndSkipsFurtherBreaks) {

@@ -117,16 +117,14 @@ TEST_F(FailedConversion, OfRecordsWithoutTheColumnOfTheKind) {
 }
 
 TEST_F(FailedConversion, OfRecordsThatTakeNoKind) {
-    ChangeActionLog("CREATE TRIGGER Refuse BEFORE UPDATE ON TslIf_DbActionLog "
-                    "BEGIN SELECT RAISE(ABORT, 'no'); END");
+    ChangeActionLog("CREATE UNIQUE INDEX Refuse ON TslIf_DbActionLog (LogKind) WHERE LogKind = 1");
     ExpectNothingIsDone(kEngineConstraint);
-    ChangeActionLog("DROP TRIGGER Refuse");
+    ChangeActionLog("DROP INDEX Refuse");
     ExpectTheNextRunConverts();
 }
 
 TEST_F(FailedConversion, OfLocationsKeepsTheFirstKinds) {
-    ChangeActionLog("CREATE TRIGGER Refuse BEFORE UPDATE ON TslIf_DbActionLog "
-                    "WHEN NEW.LogKind = 4 BEGIN SELECT RAISE(ABORT, 'no'); END");
+    ChangeActionLog("CREATE UNIQUE INDEX Refuse ON TslIf_DbActionLog (LogKind) WHERE LogKind = 4");
     StoreImage expected = ReadActionLog();
     for (Row& record : expected.records)
         record.back() = "1";
@@ -134,7 +132,7 @@ TEST_F(FailedConversion, OfLocationsKeepsTheFirstKinds) {
     ExpectTheSwitchWorks();
     EXPECT_EQ(expected, ReadActionLog());
     EXPECT_FALSE(fs::exists(CounterPath()));
-    ChangeActionLog("DROP TRIGGER Refuse");
+    ChangeActionLog("DROP INDEX Refuse");
     ExpectTheNextRunConverts();
 }
 

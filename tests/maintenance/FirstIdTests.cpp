@@ -4,6 +4,7 @@
 
 #include "tests/maintenance/OldStore.h"
 #include "tests/support/EngineSleeps.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 
@@ -13,6 +14,20 @@ namespace fs = std::filesystem;
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+namespace {
+
+decltype(&SetFileInformationByHandle) g_change = &SetFileInformationByHandle;
+
+BOOL WINAPI RefuseToMove(HANDLE file, FILE_INFO_BY_HANDLE_CLASS what, LPVOID request, DWORD size) {
+    if (what != FileRenameInfo) return g_change(file, what, request, size);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+void WINAPI DoNotSleep(DWORD) {}
+
+} // namespace
 
 class FirstId : public OldStoreTest {
 protected:
@@ -54,12 +69,14 @@ TEST_F(FirstId, IsRefusedWhileTheStoreCannotBeConverted) {
 TEST_F(FirstId, IsRefusedWhileTheCounterCannotBeMade) {
     MakeOldStore("complete.sql");
     const StoreImage before = ReadActionLog();
-    const fs::path inTheMaking = CounterPath().wstring() + L".new";
-    fs::create_directory(inTheMaking);
-    EXPECT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
-    ExpectRefusal(kAccessDenied);
+    {
+        const HMODULE component = GetModuleHandleW(L"TslIfDbActionLog.dll");
+        const ImportHook hook(component, "SetFileInformationByHandle", &RefuseToMove);
+        const ImportHook sleep(component, "Sleep", &DoNotSleep);
+        EXPECT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
+        ExpectRefusal(kAccessDenied);
+    }
     ExpectOnlyLogKindsAreSet(before);
-    fs::remove(inTheMaking);
     EXPECT_EQ(43u, NextId());
     EXPECT_EQ(Converted(before), ReadActionLog());
 }

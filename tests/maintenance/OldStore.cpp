@@ -84,6 +84,15 @@ Bytes CounterBytes(const std::wstring& digits) {
     return Utf16FileBytes(digits + L"\t\r\n");
 }
 
+UINT32 ChangesOfActionLog() {
+    constexpr size_t kOffset = 24; // 32 bits, the highest first
+    const Bytes file = ReadBytes(ActionLogPath());
+    UINT32 changes = 0;
+    for (size_t index = 0; index < sizeof changes; ++index)
+        changes = changes << 8 | file.at(kOffset + index);
+    return changes;
+}
+
 HRESULT Maintain() {
     const CActionLogStore store(GetModuleHandleW(nullptr));
     return MaintainStore(store);
@@ -96,7 +105,7 @@ void OldStoreTest::TearDown() {
             EXPECT_TRUE(NobodyHasOpen(file));
         }
     }
-    EXPECT_FALSE(fs::is_regular_file(CounterPath().wstring() + L".new"));
+    EXPECT_TRUE(FilesInTheMaking().empty());
     PluginTest::TearDown();
 }
 

@@ -36,6 +36,11 @@ void PrintTo(const StoreImage& image, std::ostream* stream);
 StoreImage WithLogKinds(StoreImage image);
 StoreImage Converted(StoreImage image);
 
+// How often the action log was changed, by its header; a conversion sets the kinds, then those of
+// the locations, and drops the old table.
+UINT32 ChangesOfActionLog();
+inline constexpr UINT32 kChangesOfAConversion = 3;
+
 // The log kinds in the order of the records, with a blank between.
 std::string LogKinds();
 

@@ -12,7 +12,6 @@ class MaintenanceFaults : public MemoryFaultTest {
 protected:
     static void RemoveStore() {
         fs::remove(CounterPath());
-        fs::remove(CounterPath().wstring() + L".new");
         fs::remove(ActionLogPath());
     }
     void ExpectRecordingIsOn(const Outcome& outcome) {
@@ -84,7 +83,7 @@ TEST_F(MaintenanceFaults, ConvertAnOlderStoreNowOrTheNextTime) {
                 }
                 EXPECT_EQ(S_OK, Plugin().SetRecordingEnabled(1));
                 EXPECT_EQ(std::optional<UINT32>(42), StoredCounter());
-                EXPECT_FALSE(fs::exists(CounterPath().wstring() + L".new"));
+                EXPECT_TRUE(FilesInTheMaking().empty());
                 EXPECT_EQ(WithLogKinds(before).records, ReadActionLog().records);
                 if (!seeded) {
                     EXPECT_EQ(Converted(before), ReadActionLog());

@@ -139,14 +139,14 @@ TEST_F(RecordWriterFailure, OfTheInsertKeepsTheOlderRow) {
     EXPECT_EQ(S_OK, Write(5, L"first"));
     {
         const FileDatabase file(ActionLogPath());
-        file.Query("CREATE TRIGGER refuse BEFORE INSERT ON TslIf_DbActionLog "
-                   "BEGIN SELECT RAISE(ABORT, 'refused'); END");
+        file.Query("ALTER TABLE TslIf_DbActionLog ADD COLUMN refuse INTEGER "
+                   "CHECK (ActionName = 'first')");
     }
     EXPECT_EQ(kSqliteConstraintResult, Write(5, L"second"));
     EXPECT_EQ(kSqliteConstraintResult, Write(6, L"other"));
     EXPECT_EQ((std::vector<Row>{{"5", "first"}}), Rows());
 
-    FileDatabase(ActionLogPath()).Query("DROP TRIGGER refuse");
+    FileDatabase(ActionLogPath()).Query("ALTER TABLE TslIf_DbActionLog DROP COLUMN refuse");
     EXPECT_EQ(S_OK, Write(6, L"third"));
     EXPECT_EQ(S_OK, Write(5, L"fourth"));
     EXPECT_EQ((std::vector<Row>{{"6", "third"}, {"5", "fourth"}}), Rows());

@@ -103,12 +103,16 @@ TEST_F(EngineCall, DoublesKeepAllBits) {
     }
 }
 
+// The engine calls no function that has arguments.
+constexpr wchar_t kValueAndKind[] =
+    L"SELECT ?, CASE WHEN ?1 IS NULL THEN 'null' WHEN ?1 >= '' AND ?1 < x'' THEN 'text' END";
+
 TEST_F(EngineCall, TextsKeepEveryCharacter) {
     const std::wstring longText(100000, L'\x3042');
     for (const std::wstring& text :
          {std::wstring(), std::wstring(L"plain"), std::wstring(L"'quoted\" %s ?\r\n\t"),
           std::wstring(L"\x00E4\x65E5\x672C\xD83D\xDE00"), longText}) {
-        sqlite3_stmt* const statement = Prepare(L"SELECT ?, typeof(?1)");
+        sqlite3_stmt* const statement = Prepare(kValueAndKind);
         EXPECT_EQ(kSqliteOk, m_engine.BindText(statement, 1, text.c_str()));
         EXPECT_EQ(kSqliteRow, m_engine.Step(statement));
         const wchar_t* const column = m_engine.ColumnText(statement, 0);
@@ -120,7 +124,7 @@ TEST_F(EngineCall, TextsKeepEveryCharacter) {
 }
 
 TEST_F(EngineCall, NullTextIsNullAndNotEmpty) {
-    sqlite3_stmt* const statement = Prepare(L"SELECT ?, typeof(?1)");
+    sqlite3_stmt* const statement = Prepare(kValueAndKind);
     EXPECT_EQ(kSqliteOk, m_engine.BindText(statement, 1, nullptr));
     EXPECT_EQ(kSqliteRow, m_engine.Step(statement));
     EXPECT_EQ(nullptr, m_engine.ColumnText(statement, 0));

@@ -183,10 +183,15 @@ TEST_F(LatestRow, LeavesOtherTablesOfTheFileAlone) {
 
 TEST_F(LatestRow, FailureOfTheEngineIsHandedOn) {
     ASSERT_NO_FATAL_FAILURE(Prepare(kActionLog, "(1),(2)", 2));
-    FileDatabase(Path()).Query("CREATE TRIGGER keep BEFORE DELETE ON TslIf_DbActionLog BEGIN "
-                               "SELECT RAISE(ABORT, 'kept'); END");
-    constexpr int kConstraint = 19;
-    EXPECT_EQ(kConstraint, Remove(2));
+    // An index from which nothing can be deleted.
+    FileDatabase(Path()).Query("CREATE INDEX damaged ON TslIf_DbActionLog (UserId)");
+    const std::string root =
+        FileDatabase(Path()).Value("SELECT rootpage FROM sqlite_master WHERE name = 'damaged'");
+    Bytes file = ReadBytes(Path());
+    file[(std::stoul(root) - 1) * kPageSize] = 0xFF;
+    WriteBytes(Path(), file);
+    constexpr int kCorrupt = 11;
+    EXPECT_EQ(kCorrupt, Remove(2, End::RollBack));
     EXPECT_EQ("1,2", Ids());
     EXPECT_EQ(kSqliteOk, Remove(3)) << "nothing is deleted for an id above the mark";
     EXPECT_EQ("3", Mark());

@@ -141,7 +141,8 @@ TEST_F(OpenFailure, OfATruncatedDatabaseShowsAtTheFirstStatement) {
     fs::resize_file(ActionLogPath(), fs::file_size(ActionLogPath()) / 2048 / 2 * 2048);
     CDatabase database;
     EXPECT_EQ(S_OK, Open(m_store, kActionLogFileName, &database));
-    EXPECT_EQ(kMappedCorrupt, Run(database, L"SELECT COUNT(AppName) FROM TslIf_DbActionLog"));
+    EXPECT_EQ(kMappedCorrupt,
+              Run(database, L"SELECT AppName FROM TslIf_DbActionLog WHERE AppName = 'another'"));
 }
 
 TEST_F(OpenFailure, OfALockedFileShowsAtTheFirstStatement) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tsl::test {
 
@@ -15,6 +16,9 @@ inline constexpr wchar_t kLogIdLock[] = L"Global\\TslIfDbActionLog_LogId";
 
 // How many rows a table has; 0 when there is no such table, or no such file.
 int CountRows(const std::filesystem::path& database, const std::string& table);
+
+// Files of the store that are to be moved into place when they are whole.
+std::vector<std::filesystem::path> FilesInTheMaking();
 
 // Whether anyone has the mutex open.
 bool MutexExists(const wchar_t* name);

@@ -20,7 +20,7 @@ inline LookUpResult LookUp(const std::wstring& sid) {
     LookUpResult result;
     result.id = 0xBAD;
     result.entries.push_back({77, L"left over"});
-    result.found = LookUpOrAssignUserId(sid, result.entries, result.id);
+    result.found = LookUpOrAssignUserId(sid, result.entries, result.id) == S_FALSE;
     return result;
 }
 
