@@ -106,8 +106,8 @@ ULONGLONG ThreadMilliseconds() noexcept {
 // The work of one connection, which one thread does.
 struct Work {
     ULONGLONG limit = 0;
-    ULONGLONG lookedAt = 0; // tick count of the last look at the processor time
-    ULONGLONG begun = 0;    // processor time at the first look
+    ULONGLONG lookedAt = GetTickCount64(); // last, at the processor time, which costs more
+    ULONGLONG begun = 0;                   // processor time at the first look; 0 before
 };
 
 // Other than 0 ends the statement.
@@ -116,10 +116,9 @@ int OnProgress(void* context) noexcept {
     constexpr ULONGLONG kBetweenLooks = 100;
     const ULONGLONG now = GetTickCount64();
     if (now - work.lookedAt < kBetweenLooks) return 0;
-    const bool isFirst = work.lookedAt == 0;
     work.lookedAt = now;
     const ULONGLONG spent = ThreadMilliseconds();
-    if (isFirst) work.begun = spent;
+    if (work.begun == 0) work.begun = spent;
     return spent - work.begun > work.limit;
 }
 

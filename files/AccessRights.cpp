@@ -2,15 +2,11 @@
 
 #include <windows.h>
 
-#include <aclapi.h>
-
 #include <cstddef>
 #include <memory>
-#include <type_traits>
 #include <vector>
 
 #include "base/Hresult.h"
-#include "base/LocalMemory.h"
 #include "files/AccessList.h"
 #include "files/Paths.h"
 
@@ -58,23 +54,29 @@ DWORD WriteList(const CHandle& opened, const CAccessList& entries,
 } // namespace
 
 bool GrantAccess(const CHandle& opened, bool* isNewEntry) {
-    PACL list = nullptr;
-    PSECURITY_DESCRIPTOR read = nullptr;
-    const DWORD error =
-        GetSecurityInfo(opened.Get(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, /*owner=*/nullptr,
-                        /*group=*/nullptr, &list, /*sacl=*/nullptr, &read);
-    LocalMemory<std::remove_pointer_t<PSECURITY_DESCRIPTOR>> descriptor(read);
-    if (error != ERROR_SUCCESS) {
-        SetLastError(error);
-        return false;
+    // Room for what a descriptor usually needs.
+    std::vector<std::byte> read(512);
+    DWORD size = 0;
+    const auto readList = [&] {
+        return GetKernelObjectSecurity(opened.Get(), DACL_SECURITY_INFORMATION, read.data(),
+                                       static_cast<DWORD>(read.size()), &size) != 0;
+    };
+    bool isRead = readList();
+    if (!isRead && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
+        read.resize(size);
+        isRead = readList();
     }
-    if (!list) return false;
-    CAccessList entries;
-    if (!entries.Read(list)) return false;
+    BOOL isPresent = FALSE;
+    PACL list = nullptr;
+    BOOL isDefaulted = FALSE;
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     DWORD revision = 0;
-    if (!GetSecurityDescriptorControl(read, &control, &revision)) return false;
-    descriptor.reset();
+    if (!isRead || !GetSecurityDescriptorDacl(read.data(), &isPresent, &list, &isDefaulted) ||
+        !GetSecurityDescriptorControl(read.data(), &control, &revision)) {
+        return false;
+    }
+    CAccessList entries;
+    if (!isPresent || !list || !entries.Read(list)) return false;
 
     const OwnedSid everyone = EveryoneSid();
     if (!everyone) return false;

@@ -23,7 +23,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 enum class Kind { File, Folder };
 
 OpenedFile Refused() noexcept {
-    return {{}, E_ACCESSDENIED, /*isRefused=*/true};
+    return {{}, E_ACCESSDENIED, /*isRefused=*/true, {}};
 }
 
 OpenedFile Open(const std::wstring& path, DWORD access, DWORD shareMode, DWORD disposition,
@@ -109,12 +109,13 @@ std::wstring PlaceOnVolume(const CHandle& opened) {
            std::wstring(name->FileName, name->FileNameLength / sizeof(wchar_t));
 }
 
-// Whether what was opened lies where the path names it.
-bool IsAt(const CHandle& opened, const std::wstring& path) {
-    std::wstring found = FinalPath(opened);
+// Whether what was opened lies where the path names it. Tells where, when links were followed.
+bool IsAt(OpenedFile& opened, const std::wstring& path) {
+    std::wstring found = FinalPath(opened.file);
     if (AreSame(found, WithoutPrefix(path))) return true;
+    opened.resolved = found;
     const auto place = found.empty() ? PlaceOnVolume : FinalPath;
-    if (found.empty()) found = place(opened);
+    if (found.empty()) found = place(opened.file);
     const std::wstring named = AbsolutePath(WithoutPrefix(path));
     const size_t trusted = TrustedLength(named);
     const OpenedFile root =
@@ -127,12 +128,13 @@ bool IsAt(const CHandle& opened, const std::wstring& path) {
     return AreSame(found, expected + named.substr(trusted));
 }
 
-bool IsPlain(const CHandle& opened, const std::wstring& path, Kind kind) {
-    if (GetFileType(opened.Get()) != FILE_TYPE_DISK) return false;
+bool IsPlain(OpenedFile& opened, const std::wstring& path, Kind kind) {
+    const HANDLE file = opened.file.Get();
+    if (GetFileType(file) != FILE_TYPE_DISK) return false;
     FILE_ATTRIBUTE_TAG_INFO tag{};
     FILE_STANDARD_INFO standard{};
-    if (!GetFileInformationByHandleEx(opened.Get(), FileAttributeTagInfo, &tag, sizeof tag) ||
-        !GetFileInformationByHandleEx(opened.Get(), FileStandardInfo, &standard, sizeof standard)) {
+    if (!GetFileInformationByHandleEx(file, FileAttributeTagInfo, &tag, sizeof tag) ||
+        !GetFileInformationByHandleEx(file, FileStandardInfo, &standard, sizeof standard)) {
         return false;
     }
     if (tag.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) return false;
@@ -142,7 +144,7 @@ bool IsPlain(const CHandle& opened, const std::wstring& path, Kind kind) {
 }
 
 void RefuseUnlessPlain(OpenedFile& opened, const std::wstring& path, Kind kind) {
-    if (opened.file && !IsPlain(opened.file, path, kind)) opened = Refused();
+    if (opened.file && !IsPlain(opened, path, kind)) opened = Refused();
 }
 
 OpenedFile OpenExisting(const std::wstring& path, DWORD access, DWORD shareMode, DWORD flags) {
@@ -154,12 +156,16 @@ OpenedFile OpenExisting(const std::wstring& path, DWORD access, DWORD shareMode,
 
 OpenedFile CreateNew(const std::wstring& path, DWORD access, DWORD shareMode, DWORD flags) {
     const HRESULT holder = CheckHolder(path);
-    if (holder == E_ACCESSDENIED) return Refused();
-    if (FAILED(holder)) return {{}, holder};
+    if (FAILED(holder)) {
+        OpenedFile failed = Refused();
+        failed.status = holder;
+        failed.isRefused = holder == E_ACCESSDENIED;
+        return failed;
+    }
     // A file that is there is no success, were it a link to nowhere.
     OpenedFile opened = Open(path, access | FILE_READ_ATTRIBUTES | DELETE, shareMode, CREATE_NEW,
                              FILE_ATTRIBUTE_NORMAL | flags | kAlwaysFlags);
-    if (opened.file && !IsPlain(opened.file, path, Kind::File)) {
+    if (opened.file && !IsPlain(opened, path, Kind::File)) {
         DiscardOpened(opened.file);
         opened = Refused();
     }
@@ -208,11 +214,6 @@ HRESULT CheckHolder(const std::wstring& path) {
     const std::wstring holder = path.substr(0, path.rfind(L'\\', path.size() - 2));
     const OpenedFile folder = OpenCheckedFolder(holder);
     return folder.file ? S_OK : folder.status;
-}
-
-std::wstring ResolvedPath(const CHandle& folder, const std::wstring& path) {
-    const std::wstring found = FinalPath(folder);
-    return found.empty() || AreSame(found, WithoutPrefix(path)) ? path : found + L'\\';
 }
 
 HRESULT MoveOpened(const CHandle& file, const std::wstring& path) {

@@ -25,6 +25,8 @@ struct OpenedFile {
     CHandle file;
     HRESULT status = S_OK;
     bool isRefused = false;
+    // Where it lies when links were followed that may be; else empty.
+    std::wstring resolved;
 };
 
 // Opens a file: OPEN_EXISTING, or for nobody else OPEN_ALWAYS or CREATE_NEW. Nothing is created
@@ -38,10 +40,6 @@ OpenedFile OpenCheckedFolder(const std::wstring& path, DWORD access = 0);
 // Looks at the folder that is to hold something new at the path: S_OK where it is no link or lies
 // where links are followed; else as OpenCheckedFolder.
 HRESULT CheckHolder(const std::wstring& path);
-
-// The path of an opened folder with the links followed that are in it; as it is where there are
-// none, or where the system cannot tell.
-std::wstring ResolvedPath(const CHandle& folder, const std::wstring& path);
 
 // Moves the opened file, over what is there. Readers find the old file or the new one. S_OK, or the
 // Win32 error with both files as they were. REQUIRES: opened with DELETE access.

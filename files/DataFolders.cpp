@@ -25,7 +25,7 @@ DataFolder OpenDbFolder() {
         PrepareFolder(LongPathPrefix(folder.path, /*force=*/false, /*directory=*/false));
     folder.status = granted.opened.status;
     if (!granted.opened.file) return folder;
-    folder.resolved = ResolvedPath(granted.opened.file, folder.path);
+    if (!granted.opened.resolved.empty()) folder.resolved = granted.opened.resolved + L'\\';
     if (granted.isNewEntry) {
         // What was in the folder before has not inherited the entry.
         for (const wchar_t* const database : {kActionLogFileName, kReplayFileName})

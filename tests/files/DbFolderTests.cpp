@@ -85,6 +85,7 @@ TEST_F(MovedDbFolder, IsTheCurrentDirectoryWhenTheShellKnowsNoFolder) {
     EXPECT_EQ(Scratch().wstring() + L"\\", folder);
     EXPECT_EQ(S_OK, WriteCounter(folder + kCounterFileName, 1));
     EXPECT_TRUE(std::filesystem::exists(Scratch() / L"actionLog.txt"));
+    EXPECT_FALSE(NamesEveryone(Scratch())) << "it is not the component's folder";
 }
 
 TEST_F(MovedDbFolder, IsEmptyAndNothingIsMadeWhenNothingIsKnown) {

@@ -2,8 +2,6 @@
 // libraries, so every call that the code under test makes through them arrives here.
 #include "tests/files/SystemCalls.h"
 
-#include <aclapi.h>
-
 namespace tsl::test {
 
 SystemCalls& Calls() noexcept {
@@ -142,13 +140,12 @@ BOOL WINAPI OnAllocateSid(PSID_IDENTIFIER_AUTHORITY authority, BYTE count, DWORD
     return call(authority, count, s0, s1, s2, s3, s4, s5, s6, s7, sid);
 }
 
-DWORD WINAPI OnGetSecurity(HANDLE object, SE_OBJECT_TYPE type, SECURITY_INFORMATION what,
-                           PSID* owner, PSID* group, PACL* list, PACL* auditList,
-                           PSECURITY_DESCRIPTOR* descriptor) {
-    const DWORD injected = Injected(Calls().getSecurity, what);
-    if (injected != ERROR_SUCCESS) return injected;
-    static auto* const call = System<decltype(GetSecurityInfo)>(kSecurity, "GetSecurityInfo");
-    return call(object, type, what, owner, group, list, auditList, descriptor);
+BOOL WINAPI OnGetSecurity(HANDLE object, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR read,
+                          DWORD room, LPDWORD size) {
+    if (Fails(Calls().getSecurity, what)) return FALSE;
+    static auto* const call =
+        System<decltype(GetKernelObjectSecurity)>(kSecurity, "GetKernelObjectSecurity");
+    return call(object, what, read, room, size);
 }
 
 BOOL WINAPI OnSetSecurity(HANDLE object, SECURITY_INFORMATION what, PSECURITY_DESCRIPTOR written) {
@@ -176,6 +173,6 @@ void* __imp_SHGetSpecialFolderLocation =
     reinterpret_cast<void*>(tsl::test::OnGetSpecialFolderLocation);
 void* __imp_SHGetPathFromIDListW = reinterpret_cast<void*>(tsl::test::OnGetPathFromItems);
 void* __imp_AllocateAndInitializeSid = reinterpret_cast<void*>(tsl::test::OnAllocateSid);
-void* __imp_GetSecurityInfo = reinterpret_cast<void*>(tsl::test::OnGetSecurity);
+void* __imp_GetKernelObjectSecurity = reinterpret_cast<void*>(tsl::test::OnGetSecurity);
 void* __imp_SetKernelObjectSecurity = reinterpret_cast<void*>(tsl::test::OnSetSecurity);
 }
