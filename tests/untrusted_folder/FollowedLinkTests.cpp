@@ -29,6 +29,7 @@ protected:
 };
 
 TEST_F(FollowedLink, AboveTheVendorsFolderLeadsToTheStore) {
+    const fs::path usual = ActionLogPath();
     MakeSymbolicLink(folder / L"data", folder / L"moved");
     const MovedDataFolder moved((folder / L"data").wstring());
     for (const auto& [call, result] : MakeAllCalls(Plugin()))
@@ -40,7 +41,7 @@ TEST_F(FollowedLink, AboveTheVendorsFolderLeadsToTheStore) {
         EXPECT_TRUE(fs::exists(product / file)) << file;
     }
     EXPECT_TRUE(NamesEveryone((product / L"TslIfDbActionLog").wstring()));
-    EXPECT_FALSE(fs::exists(ActionLogPath())) << "the data folder was not moved";
+    EXPECT_FALSE(fs::exists(usual)) << "the data folder was not moved";
     const DataFolder found = OpenDbFolder();
     EXPECT_EQ((folder / L"data").wstring() + L"\\Corvane Corporation\\Tessaly\\TslIfDbActionLog\\",
               found.path);
