@@ -40,8 +40,9 @@ HANDLE WINAPI OpenForEngine(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_
                             DWORD disposition, DWORD flags, HANDLE) noexcept {
     if (disposition == CREATE_NEW) return New(path, access, share, flags);
     if (disposition == OPEN_EXISTING) return Existing(path, access, share, flags);
-    // A journal is usually new, a database there. Others make it or take it away meanwhile; what is
-    // neither there nor can be made is a link to nowhere.
+    // A journal is usually new, and its database is open beside it; a database is usually there.
+    // Others make it or take it away meanwhile; what is neither there nor can be made is a link to
+    // nowhere.
     constexpr int kAttempts = 4;
     if (std::wstring_view(path).ends_with(L"-journal")) {
         const HANDLE made = New(path, access, share, flags);
@@ -50,6 +51,7 @@ HANDLE WINAPI OpenForEngine(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         const HANDLE found = Existing(path, access, share, flags);
         if (found != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_NOT_FOUND) return found;
+        if (FAILED(AtBoundary([&] { return CheckHolder(path); }))) break;
         const HANDLE made = New(path, access, share, flags);
         if (made != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return made;
     }

@@ -26,6 +26,48 @@ OwnedSid EveryoneSid() noexcept {
     return OwnedSid(sid);
 }
 
+// The access list that an object has.
+class CListInForce {
+public:
+    // read asks the system: it is given room, and told how much is needed. False, with the reason
+    // as the thread's last error, when it cannot be read; also for an object without any list.
+    template <class Ask>
+    bool Read(Ask ask) {
+        DWORD needed = 0;
+        bool isRead = ask(m_descriptor.data(), static_cast<DWORD>(m_descriptor.size()), needed);
+        if (!isRead && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
+            m_descriptor.resize(needed);
+            isRead = ask(m_descriptor.data(), needed, needed);
+        }
+        BOOL isPresent = FALSE;
+        PACL list = nullptr;
+        BOOL isDefaulted = FALSE;
+        DWORD revision = 0;
+        return isRead &&
+               GetSecurityDescriptorDacl(m_descriptor.data(), &isPresent, &list, &isDefaulted) &&
+               GetSecurityDescriptorControl(m_descriptor.data(), &m_control, &revision) &&
+               isPresent && list && m_entries.Read(list);
+    }
+
+    CAccessList& Entries() noexcept { return m_entries; }
+    SECURITY_DESCRIPTOR_CONTROL Control() const noexcept { return m_control; }
+
+private:
+    std::vector<std::byte> m_descriptor = std::vector<std::byte>(512); // enough for most
+    SECURITY_DESCRIPTOR_CONTROL m_control = 0;
+    CAccessList m_entries;
+};
+
+// Whether the list of a folder names Everyone already.
+bool IsGranted(const std::wstring& path) {
+    CListInForce inForce;
+    const bool isRead = inForce.Read([&](void* room, DWORD size, DWORD& needed) {
+        return GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, room, size, &needed) != 0;
+    });
+    const OwnedSid everyone = isRead ? EveryoneSid() : nullptr;
+    return everyone && inForce.Entries().Names(everyone.get());
+}
+
 // Writes the list to this object alone: an entry that is handed down would reach what others have
 // put into a folder.
 DWORD WriteList(const CHandle& opened, const CAccessList& entries,
@@ -54,53 +96,39 @@ DWORD WriteList(const CHandle& opened, const CAccessList& entries,
 } // namespace
 
 bool GrantAccess(const CHandle& opened, bool* isNewEntry) {
-    // Room for what a descriptor usually needs.
-    std::vector<std::byte> read(512);
-    DWORD size = 0;
-    const auto readList = [&] {
-        return GetKernelObjectSecurity(opened.Get(), DACL_SECURITY_INFORMATION, read.data(),
-                                       static_cast<DWORD>(read.size()), &size) != 0;
-    };
-    bool isRead = readList();
-    if (!isRead && GetLastError() == ERROR_INSUFFICIENT_BUFFER) {
-        read.resize(size);
-        isRead = readList();
-    }
-    BOOL isPresent = FALSE;
-    PACL list = nullptr;
-    BOOL isDefaulted = FALSE;
-    SECURITY_DESCRIPTOR_CONTROL control = 0;
-    DWORD revision = 0;
-    if (!isRead || !GetSecurityDescriptorDacl(read.data(), &isPresent, &list, &isDefaulted) ||
-        !GetSecurityDescriptorControl(read.data(), &control, &revision)) {
-        return false;
-    }
-    CAccessList entries;
-    if (!isPresent || !list || !entries.Read(list)) return false;
-
+    CListInForce inForce;
+    const bool isRead = inForce.Read([&](void* room, DWORD size, DWORD& needed) {
+        return GetKernelObjectSecurity(opened.Get(), DACL_SECURITY_INFORMATION, room, size,
+                                       &needed) != 0;
+    });
+    if (!isRead) return false;
     const OwnedSid everyone = EveryoneSid();
     if (!everyone) return false;
+    CAccessList& entries = inForce.Entries();
     if (entries.Names(everyone.get())) return true;
     // Full access, handed down to what is made in a folder.
     if (!entries.Allow(everyone.get(), GENERIC_ALL, OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE)) {
         return false;
     }
-    const DWORD written = WriteList(opened, entries, control);
+    const DWORD written = WriteList(opened, entries, inForce.Control());
     if (isNewEntry) *isNewEntry = written == ERROR_SUCCESS;
     SetLastError(written);
     return written == ERROR_SUCCESS;
 }
 
 GrantedFolder PrepareFolder(const std::wstring& path) {
-    GrantedFolder folder{OpenCheckedFolder(path, READ_CONTROL)};
-    if (folder.opened.status == HresultFromWin32(ERROR_FILE_NOT_FOUND) ||
-        folder.opened.status == HresultFromWin32(ERROR_PATH_NOT_FOUND)) {
+    GrantedFolder folder;
+    // By name, which is quicker, as long as there is nothing to be changed.
+    folder.isGranted = IsGranted(path);
+    if (folder.isGranted) return folder;
+    OpenedFile opened = OpenCheckedFolder(path, READ_CONTROL);
+    if (opened.status == HresultFromWin32(ERROR_FILE_NOT_FOUND) ||
+        opened.status == HresultFromWin32(ERROR_PATH_NOT_FOUND)) {
         CreateFolderTree(path);
-        folder.opened = OpenCheckedFolder(path, READ_CONTROL);
+        opened = OpenCheckedFolder(path, READ_CONTROL);
     }
-    if (folder.opened.file) {
-        folder.isGranted = GrantAccess(folder.opened.file, &folder.isNewEntry);
-    }
+    folder.isRefused = opened.isRefused;
+    if (opened.file) folder.isGranted = GrantAccess(opened.file, &folder.isNewEntry);
     return folder;
 }
 

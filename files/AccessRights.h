@@ -9,17 +9,18 @@
 
 namespace tsl {
 
-// A data folder that was made ready for all users.
+// What became of a data folder that was to be made ready for all users.
 struct GrantedFolder {
-    OpenedFile opened;       // to read its access list; without a handle it is not to be used
     bool isGranted = false;  // Everyone is named in its list
     bool isNewEntry = false; // since now
+    bool isRefused = false;  // it would have had to be changed, and is none of ours
 };
 
 // Makes sure that the folder exists, with its parents, and that Everyone is named in its access
 // list: full access, inherited by what is made in it from then on. An entry for Everyone that is
-// already there is enough, whatever it says. Nothing is made behind a link, and what is opened is
-// checked: see CheckedOpen.h.
+// already there is enough, whatever it says, and then the folder is not looked at further: whoever
+// opens a file in it checks the way there. Nothing is made behind a link, and what is changed is
+// opened and checked: see CheckedOpen.h.
 GrantedFolder PrepareFolder(const std::wstring& path);
 
 // The same, for whether it is granted. False, with the reason as the thread's last error after a

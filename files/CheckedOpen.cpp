@@ -23,7 +23,7 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 enum class Kind { File, Folder };
 
 OpenedFile Refused() noexcept {
-    return {{}, E_ACCESSDENIED, /*isRefused=*/true, {}};
+    return {{}, E_ACCESSDENIED, /*isRefused=*/true};
 }
 
 OpenedFile Open(const std::wstring& path, DWORD access, DWORD shareMode, DWORD disposition,
@@ -109,13 +109,12 @@ std::wstring PlaceOnVolume(const CHandle& opened) {
            std::wstring(name->FileName, name->FileNameLength / sizeof(wchar_t));
 }
 
-// Whether what was opened lies where the path names it. Tells where, when links were followed.
-bool IsAt(OpenedFile& opened, const std::wstring& path) {
-    std::wstring found = FinalPath(opened.file);
+// Whether what was opened lies where the path names it.
+bool IsAt(const CHandle& opened, const std::wstring& path) {
+    std::wstring found = FinalPath(opened);
     if (AreSame(found, WithoutPrefix(path))) return true;
-    opened.resolved = found;
     const auto place = found.empty() ? PlaceOnVolume : FinalPath;
-    if (found.empty()) found = place(opened.file);
+    if (found.empty()) found = place(opened);
     const std::wstring named = AbsolutePath(WithoutPrefix(path));
     const size_t trusted = TrustedLength(named);
     const OpenedFile root =
@@ -128,8 +127,8 @@ bool IsAt(OpenedFile& opened, const std::wstring& path) {
     return AreSame(found, expected + named.substr(trusted));
 }
 
-bool IsPlain(OpenedFile& opened, const std::wstring& path, Kind kind) {
-    const HANDLE file = opened.file.Get();
+bool IsPlain(const CHandle& opened, const std::wstring& path, Kind kind) {
+    const HANDLE file = opened.Get();
     if (GetFileType(file) != FILE_TYPE_DISK) return false;
     FILE_ATTRIBUTE_TAG_INFO tag{};
     FILE_STANDARD_INFO standard{};
@@ -144,7 +143,7 @@ bool IsPlain(OpenedFile& opened, const std::wstring& path, Kind kind) {
 }
 
 void RefuseUnlessPlain(OpenedFile& opened, const std::wstring& path, Kind kind) {
-    if (opened.file && !IsPlain(opened, path, kind)) opened = Refused();
+    if (opened.file && !IsPlain(opened.file, path, kind)) opened = Refused();
 }
 
 OpenedFile OpenExisting(const std::wstring& path, DWORD access, DWORD shareMode, DWORD flags) {
@@ -165,7 +164,7 @@ OpenedFile CreateNew(const std::wstring& path, DWORD access, DWORD shareMode, DW
     // A file that is there is no success, were it a link to nowhere.
     OpenedFile opened = Open(path, access | FILE_READ_ATTRIBUTES | DELETE, shareMode, CREATE_NEW,
                              FILE_ATTRIBUTE_NORMAL | flags | kAlwaysFlags);
-    if (opened.file && !IsPlain(opened, path, Kind::File)) {
+    if (opened.file && !IsPlain(opened.file, path, Kind::File)) {
         DiscardOpened(opened.file);
         opened = Refused();
     }

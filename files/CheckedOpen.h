@@ -25,8 +25,6 @@ struct OpenedFile {
     CHandle file;
     HRESULT status = S_OK;
     bool isRefused = false;
-    // Where it lies when links were followed that may be; else empty.
-    std::wstring resolved;
 };
 
 // Opens a file: OPEN_EXISTING, or for nobody else OPEN_ALWAYS or CREATE_NEW. Nothing is created

@@ -15,27 +15,19 @@ constexpr std::wstring_view kUserIdSubPath = L"Tessaly\\UID";
 
 } // namespace
 
-DataFolder OpenDbFolder() {
-    DataFolder folder;
+std::wstring DbFolder() {
+    std::wstring folder;
     const bool isKnown =
-        SpecialFolderPath(CSIDL_COMMON_APPDATA, folder.path, kDbSubPath, kCompanyFolder);
-    folder.resolved = folder.path;
+        SpecialFolderPath(CSIDL_COMMON_APPDATA, folder, kDbSubPath, kCompanyFolder);
     if (!isKnown) return folder;
     const GrantedFolder granted =
-        PrepareFolder(LongPathPrefix(folder.path, /*force=*/false, /*directory=*/false));
-    folder.status = granted.opened.status;
-    if (!granted.opened.file) return folder;
-    if (!granted.opened.resolved.empty()) folder.resolved = granted.opened.resolved + L'\\';
+        PrepareFolder(LongPathPrefix(folder, /*force=*/false, /*directory=*/false));
     if (granted.isNewEntry) {
         // What was in the folder before has not inherited the entry.
         for (const wchar_t* const database : {kActionLogFileName, kReplayFileName})
-            GrantFileAccess(folder.path + database);
+            GrantFileAccess(folder + database);
     }
     return folder;
-}
-
-std::wstring DbFolder() {
-    return OpenDbFolder().path;
 }
 
 std::wstring UserIdFolder() {

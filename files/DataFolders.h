@@ -1,8 +1,6 @@
 // Where the component's data lives, for all users of the machine. Callable from any thread.
 #pragma once
 
-#include <windows.h>
-
 #include <string>
 
 namespace tsl {
@@ -11,18 +9,10 @@ namespace tsl {
 inline constexpr wchar_t kActionLogFileName[] = L"ualog.db";
 inline constexpr wchar_t kReplayFileName[] = L"uareplay.db";
 
-struct DataFolder {
-    std::wstring path;     // with a trailing backslash
-    std::wstring resolved; // the same with the links followed that may be followed
-    HRESULT status = S_OK; // why nothing in it is to be opened: a link, for one
-};
-
-// The folder of the databases and the counter file. It is created when missing and opened to
-// everyone on every call. Where the shell knows no folder it is the current directory, whose rights
-// are left alone.
-DataFolder OpenDbFolder();
-
-// Its path, for files that are checked when they are opened; a failure shows then.
+// The folder of the databases and the counter file, with a trailing backslash. It is created when
+// missing and opened to everyone on every call; a failure to do so, or a link in its place, shows
+// when a file in it is opened. Where the shell knows no folder it is the current directory, whose
+// rights are left alone.
 std::wstring DbFolder();
 
 // The folder of the user id list, with a trailing backslash. It is not created.

@@ -95,7 +95,7 @@ HRESULT LookUpOrAssignUserId(const std::wstring& sid, std::vector<UserIdEntry>& 
     const std::wstring folder = UserIdFolder();
     entries.clear();
     const GrantedFolder granted = PrepareFolder(folder);
-    if (granted.opened.isRefused) return granted.opened.status;
+    if (granted.isRefused) return E_ACCESSDENIED;
     if (granted.isGranted) {
         const HRESULT read = ReadEntries(Prefixed(folder + kUserIdFileName), entries);
         if (FAILED(read)) return read;

@@ -28,10 +28,7 @@ HRESULT CActionLogStore::Open(const std::wstring& fileName, std::wstring_view pr
     if (!database || !m_engine) return E_POINTER;
     database->Close();
     if (fileName.empty()) return E_INVALIDARG;
-    const DataFolder folder = OpenDbFolder();
-    int result = SUCCEEDED(folder.status)
-                     ? database->Open(*m_engine, folder.resolved + fileName, use)
-                     : kSqliteCantOpen;
+    int result = database->Open(*m_engine, DbFolder() + fileName, use);
     if (result == kSqliteOk) result = ExecuteStatement(*database, kPageSizeText);
     const HRESULT opened = SqliteResultToHresult(result);
     if (FAILED(opened)) return opened;

@@ -16,7 +16,6 @@ namespace tsl {
 // What the engine's functions return, as far as the component tells the codes apart.
 inline constexpr int kSqliteOk = 0;
 inline constexpr int kSqliteError = 1;
-inline constexpr int kSqliteCantOpen = 14;
 inline constexpr int kSqliteNotADatabase = 26;
 inline constexpr int kSqliteRow = 100;
 inline constexpr int kSqliteDone = 101;
