@@ -24,8 +24,6 @@ public:
     }
 
     HANDLE Get() const noexcept { return m_handle; }
-    // Hands the handle over to whoever closes it from now on.
-    HANDLE Detach() noexcept { return std::exchange(m_handle, nullptr); }
     explicit operator bool() const noexcept { return m_handle != nullptr; }
 
 private:

@@ -3,31 +3,13 @@
 #include <sqlite3.h>
 #include <windows.h>
 
-#include <new>
-#include <string_view>
+#include <initializer_list>
 
-#include "base/Hresult.h"
-#include "files/CheckedOpen.h"
+#include "files/PlainFile.h"
 
 namespace tsl {
 
 namespace {
-
-// The engine tries again after some errors; it does not after this one.
-constexpr DWORD kRefusedError = ERROR_CANT_ACCESS_FILE;
-
-HANDLE Existing(LPCWSTR path, DWORD access, DWORD share, DWORD flags) noexcept {
-    OpenedFile opened;
-    const HRESULT result = AtBoundary([&] {
-        opened = OpenChecked(path, access, share, OPEN_EXISTING, flags);
-        return opened.status;
-    });
-    if (opened.file) return opened.file.Detach();
-    SetLastError(opened.isRefused                             ? kRefusedError
-                 : HRESULT_FACILITY(result) == FACILITY_WIN32 ? HRESULT_CODE(result)
-                                                              : ERROR_NOT_ENOUGH_MEMORY);
-    return INVALID_HANDLE_VALUE;
-}
 
 HANDLE New(LPCWSTR path, DWORD access, DWORD share, DWORD flags) noexcept {
     // Never what is there, were it a link to nowhere.
@@ -35,23 +17,31 @@ HANDLE New(LPCWSTR path, DWORD access, DWORD share, DWORD flags) noexcept {
                        /*templateFile=*/nullptr);
 }
 
-// In place of CreateFileW in the engine.
+bool IsJournal(LPCWSTR path) noexcept {
+    constexpr wchar_t kEnding[] = L"-journal";
+    const size_t length = wcslen(path);
+    const size_t ending = ARRAYSIZE(kEnding) - 1;
+    return length > ending && wcscmp(path + length - ending, kEnding) == 0;
+}
+
+// In place of CreateFileW in the engine. What is refused has an error after which the engine does
+// not try again.
 HANDLE WINAPI OpenForEngine(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                             DWORD disposition, DWORD flags, HANDLE) noexcept {
     if (disposition == CREATE_NEW) return New(path, access, share, flags);
-    if (disposition == OPEN_EXISTING) return Existing(path, access, share, flags);
+    if (disposition == OPEN_EXISTING) return OpenPlain(path, access, share, flags, FileKind::File);
     // A journal is usually new, and its database is open beside it; a database is usually there.
     // Others make it or take it away meanwhile; what is neither there nor can be made is a link to
     // nowhere.
     constexpr int kAttempts = 4;
-    if (std::wstring_view(path).ends_with(L"-journal")) {
+    if (IsJournal(path)) {
         const HANDLE made = New(path, access, share, flags);
         if (made != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return made;
     }
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        const HANDLE found = Existing(path, access, share, flags);
+        const HANDLE found = OpenPlain(path, access, share, flags, FileKind::File);
         if (found != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_NOT_FOUND) return found;
-        if (FAILED(AtBoundary([&] { return CheckHolder(path); }))) break;
+        if (!MayBeMade(path)) break;
         const HANDLE made = New(path, access, share, flags);
         if (made != INVALID_HANDLE_VALUE || GetLastError() != ERROR_FILE_EXISTS) return made;
     }
@@ -63,12 +53,16 @@ sqlite3_vfs* g_system = nullptr;
 sqlite3_vfs g_guard;
 
 // As the system's files, without memory that is shared with other processes.
-const sqlite3_io_methods* WithoutSharedMemory(const sqlite3_io_methods& system) {
-    static const sqlite3_io_methods methods = [&] {
-        sqlite3_io_methods made = system;
-        made.iVersion = 1;
-        return made;
-    }();
+const sqlite3_io_methods* WithoutSharedMemory(const sqlite3_io_methods& system) noexcept {
+    static constinit INIT_ONCE once = INIT_ONCE_STATIC_INIT;
+    static constinit sqlite3_io_methods methods{};
+    BOOL isPending = FALSE;
+    InitOnceBeginInitialize(&once, /*flags=*/0, &isPending, /*context=*/nullptr);
+    if (isPending) {
+        methods = system;
+        methods.iVersion = 1;
+        InitOnceComplete(&once, 0, nullptr);
+    }
     return &methods;
 }
 
@@ -167,10 +161,10 @@ int DistrustSchema(sqlite3* connection) noexcept {
 }
 
 int LimitWork(sqlite3* connection, unsigned seconds) noexcept {
-    auto* const work = new (std::nothrow) Work{.limit = seconds * 1000ULL};
+    auto* const work = static_cast<Work*>(sqlite3_malloc(sizeof(Work)));
     if (!work) return SQLITE_NOMEM;
-    const int result = sqlite3_set_clientdata(connection, "work", work,
-                                              [](void* kept) { delete static_cast<Work*>(kept); });
+    *work = Work{.limit = seconds * 1000ULL};
+    const int result = sqlite3_set_clientdata(connection, "work", work, sqlite3_free);
     // The client data frees what it could not take.
     if (result != SQLITE_OK) return result;
     constexpr int kStepsBetween = 1'000;

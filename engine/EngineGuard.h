@@ -6,7 +6,7 @@ struct sqlite3;
 
 namespace tsl {
 
-// From now on the engine opens what is there by way of CheckedOpen.h, creates nothing behind a
+// From now on the engine opens what is there by way of PlainFile.h, creates nothing behind a
 // link, knows no super-journals (their names are in files that anyone may write, and they are
 // deleted), and shares no memory with other processes. Returns the engine's result. For all
 // connections of the engine; once.

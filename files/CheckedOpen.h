@@ -1,9 +1,6 @@
 // Opens what lies in a folder that anyone may write. Nothing that lies there is believed: what was
-// opened is looked at through its handle, and is refused where it is not what its path names.
-//
-// Accepted is a file or folder of a disk that is no link, has one name, and lies at the path. Links
-// are followed only above the vendor's folder, where none but an administrator can make them; in
-// any other path, as far as the folder that holds the last name. Callable from any thread.
+// opened is looked at through its handle, and is refused where it is not what its path names (see
+// PlainFile.h). Callable from any thread.
 #pragma once
 
 #include <windows.h>
@@ -11,12 +8,9 @@
 #include <string>
 
 #include "base/Handle.h"
+#include "files/PlainFile.h"
 
 namespace tsl {
-
-// Below the folder of all users' application data. Part of every installation's data path: not to
-// be changed.
-inline constexpr wchar_t kCompanyFolder[] = L"Corvane Corporation";
 
 // An opened file or folder, and the thread's last error right after opening as an HRESULT: also
 // after a success it tells something, that a file was there before (ERROR_ALREADY_EXISTS). What is
@@ -34,10 +28,6 @@ OpenedFile OpenChecked(const std::wstring& path, DWORD access, DWORD shareMode, 
 
 // Opens a folder that is there, to look at it or for its access list.
 OpenedFile OpenCheckedFolder(const std::wstring& path, DWORD access = 0);
-
-// Looks at the folder that is to hold something new at the path: S_OK where it is no link or lies
-// where links are followed; else as OpenCheckedFolder.
-HRESULT CheckHolder(const std::wstring& path);
 
 // Moves the opened file, over what is there. Readers find the old file or the new one. S_OK, or the
 // Win32 error with both files as they were. REQUIRES: opened with DELETE access.

@@ -1,12 +1,13 @@
 #include "files/Paths.h"
 
-#include <objbase.h>
+#include <ntsecapi.h>
 
-#include <iterator>
+#include <array>
 #include <string>
+#include <string_view>
 
 #include "base/Hresult.h"
-#include "files/CheckedOpen.h"
+#include "files/PlainFile.h"
 
 namespace tsl {
 
@@ -72,17 +73,20 @@ bool CreateFolderTree(const std::wstring& path, SECURITY_ATTRIBUTES* attributes)
     if (separator <= root) return CreateDirectoryW(path.c_str(), nullptr) != 0;
 
     if (!CreateFolderTree(path.substr(0, separator))) return FolderExists(path);
-    if (FAILED(CheckHolder(path))) return false;
+    if (!MayBeMade(path.c_str())) return false;
     return CreateDirectoryW(path.c_str(), attributes) != 0 || FolderExists(path);
 }
 
 std::wstring NameBeside(const std::wstring& path) {
-    GUID chance{};
-    const HRESULT made = CoCreateGuid(&chance);
-    if (FAILED(made)) throw CHresultError(made);
-    wchar_t text[40];
-    StringFromGUID2(chance, text, static_cast<int>(std::size(text)));
-    return path + L'.' + text + L".new";
+    std::array<BYTE, 16> chance{};
+    if (!RtlGenRandom(chance.data(), static_cast<ULONG>(chance.size()))) {
+        throw CHresultError(E_FAIL);
+    }
+    constexpr std::wstring_view kDigits = L"0123456789abcdef";
+    std::wstring name = path + L'.';
+    for (const BYTE byte : chance)
+        name.append({kDigits[byte >> 4], kDigits[byte & 0xF]});
+    return name + L".new";
 }
 
 bool ModuleFilePath(std::wstring& path, HMODULE module) {

@@ -32,7 +32,7 @@ bool FolderExists(const std::wstring& path);
 // Creates the folder with all its missing parents; only the folder itself gets the security
 // attributes. True when the folder exists afterwards, whoever made it. A root, or a folder right
 // below one, is made by CreateDirectoryW without the attributes, and its result is given as it is.
-// Nothing is made behind a link that may not be followed: see CheckedOpen.h.
+// Nothing is made behind a link that may not be followed: see PlainFile.h.
 bool CreateFolderTree(const std::wstring& path, SECURITY_ATTRIBUTES* attributes = nullptr);
 
 // A name beside the path that nobody can guess, for what is moved to the path when it is whole.

@@ -92,6 +92,10 @@ int ReadNumber(const CDatabase& database, CSqlText text, int column, INT64& numb
     CStatement statement(database);
     int result = statement.Prepare(text);
     if (result == kSqliteOk) result = statement.Step();
+    if (result == kSqliteDone) {
+        const int finalized = statement.Finalize();
+        return finalized == kSqliteOk ? kSqliteDone : finalized;
+    }
     if (result != kSqliteRow) return result;
     number = statement.ColumnInt64(column);
     return statement.Finalize();
