@@ -43,7 +43,7 @@ OrderedJson ToJson(const ContentItemProperty& property) {
 }
 
 std::string DescribeText(const std::optional<std::wstring>& text) {
-    return text ? OneLine(ToUtf8(*text)) : "-";
+    return text ? ToUtf8(*text) : "-";
 }
 
 } // namespace

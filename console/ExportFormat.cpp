@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "console/IsoTime.h"
+#include "console/JsonOutput.h"
 #include "console/ParameterLists.h"
 #include "console/Text.h"
 
@@ -16,10 +17,6 @@ using OrderedJson = nlohmann::ordered_json;
 // In the order of both formats. Files in the field have them: not to be changed.
 constexpr const char* kListNames[] = {"ullValues",  "usValues",     "intValues",
                                       "boolValues", "stringValues", "floatValues"};
-
-std::string ToLine(const OrderedJson& json) {
-    return json.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
-}
 
 std::string CsvCell(std::string text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
@@ -45,7 +42,7 @@ std::string ExportJson(const ExportedRecord& exported) {
     for (const char* const name : kListNames) {
         if (lists.contains(name)) line[name] = lists[name];
     }
-    return ToLine(line);
+    return ToJsonLine(line);
 }
 
 std::string ExportCsvTitles() {
@@ -64,7 +61,7 @@ std::string ExportCsvLine(const ExportedRecord& exported) {
     const OrderedJson lists = DecodeParameterLists(record.parameters);
     for (const char* const name : kListNames) {
         line += ',';
-        if (lists.contains(name)) line += CsvCell(ToLine(lists[name]));
+        if (lists.contains(name)) line += CsvCell(ToJsonLine(lists[name]));
     }
     return line + "\r\n";
 }

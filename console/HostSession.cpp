@@ -97,8 +97,8 @@ void CHostSession::RecordAs(const HostAction& action, UINT32 id) {
     const HRESULT result = m_plugin->Notify(kCommandRecordAction, MakeContainer(action, id).Get());
     if (FAILED(result)) {
         // What became of the action log is not told; the record may be in it.
-        throw CFailure("cannot record action " + std::to_string(id) + " (" + ToUtf8(action.name) +
-                           ") in",
+        throw CFailure("cannot record action " + std::to_string(id) + " (" +
+                           Abridged(ToUtf8(action.name)) + ") in",
                        ReplayLogPath(), result);
     }
 }

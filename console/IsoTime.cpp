@@ -7,6 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "console/Text.h"
+
 namespace tsl {
 
 namespace {
@@ -31,7 +33,7 @@ DATE ParseIsoTime(const std::string& text) {
                         ParseWhole(text, "%FT%T", time);
     constexpr auto kFirstDay = date::sys_days(date::year(1900) / 1 / 1);
     if (!parsed || time < kFirstDay) {
-        throw std::invalid_argument("\"" + text + "\" is no ISO 8601 time from 1900 on");
+        throw std::invalid_argument("\"" + Abridged(text) + "\" is no ISO 8601 time from 1900 on");
     }
     return static_cast<double>((time - kDayZero).count()) / kMillisecondsPerDay;
 }

@@ -15,7 +15,7 @@ Json ParseJson(const std::string& text) {
         const std::string_view message = error.what();
         const size_t end = message.find("] ");
         throw std::invalid_argument(
-            std::string(end == std::string_view::npos ? message : message.substr(end + 2)));
+            Abridged(end == std::string_view::npos ? message : message.substr(end + 2)));
     }
 }
 
@@ -23,9 +23,9 @@ void Refuse(const std::string& what, const std::string& expected) {
     throw std::invalid_argument(what + " must be " + expected);
 }
 
-std::string Quoted(const char* member) {
+std::string Quoted(std::string_view member) {
     std::string quoted("\"");
-    return quoted.append(member).append("\"");
+    return quoted.append(Abridged(member)).append("\"");
 }
 
 void RefuseOthers(const Json& object, std::initializer_list<std::string_view> known,
@@ -35,7 +35,7 @@ void RefuseOthers(const Json& object, std::initializer_list<std::string_view> kn
     };
     for (const auto& member : object.items()) {
         if (!contains(known, member.key()) && !contains(alsoKnown, member.key())) {
-            throw std::invalid_argument(Quoted(member.key().c_str()) + " is not known");
+            throw std::invalid_argument(Quoted(member.key()) + " is not known");
         }
     }
 }

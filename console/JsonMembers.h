@@ -20,7 +20,7 @@ Json ParseJson(const std::string& text);
 // What is wrong: a member in quotes, or each value of one.
 [[noreturn]] void Refuse(const std::string& what, const std::string& expected);
 
-std::string Quoted(const char* member);
+std::string Quoted(std::string_view member);
 
 // Refuses members that are not known: a misspelt one would otherwise be lost silently.
 void RefuseOthers(const Json& object, std::initializer_list<std::string_view> known,

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <string>
 
+#include "console/Text.h"
+
 namespace tsl {
 
 namespace {
@@ -55,8 +57,12 @@ size_t OutputWidth() {
 }
 
 void PrintLine(std::string_view line) {
-    std::string text(line);
-    Write(stdout, text.append("\n"));
+    Write(stdout, OneLine(line).append("\n"));
+}
+
+void PrintHelp(std::string_view text) {
+    std::string lines(text);
+    Write(stdout, lines.append("\n"));
 }
 
 std::string Coloured(std::string_view text, Colour colour) {
@@ -65,9 +71,13 @@ std::string Coloured(std::string_view text, Colour colour) {
     return EscapeOf(colour) + coloured + "\x1b[0m";
 }
 
+void PrintLine(std::string_view word, Colour colour, std::string_view rest) {
+    Write(stdout, Coloured(word, colour).append(OneLine(rest)).append("\n"));
+}
+
 void PrintError(std::string_view message) {
     std::string text("tslhost: ");
-    Write(stderr, text.append(message).append("\n"));
+    Write(stderr, text.append(Abridged(OneLine(message), kLongestMessage)).append("\n"));
 }
 
 CProgress::CProgress() : m_terminal(_isatty(_fileno(stderr)) != 0) {}
@@ -78,7 +88,7 @@ void CProgress::Show(std::string_view text) {
     if (!m_terminal || now < m_nextMilliseconds) return;
     m_nextMilliseconds = now + kIntervalMilliseconds;
     std::string rewritten("\r");
-    Write(stderr, rewritten.append(text));
+    Write(stderr, rewritten.append(OneLine(text)));
     m_shown = true;
 }
 

@@ -8,6 +8,7 @@
 #include "component/host/ParamKeys.h"
 #include "console/Arrays.h"
 #include "console/IsoTime.h"
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Table.h"
 #include "console/Text.h"
@@ -64,10 +65,8 @@ std::vector<StoredRecord> FetchRecords(CHostSession& session, std::span<const UI
 
 void PrintRecords(std::span<const StoredRecord> records, bool json) {
     if (json) {
-        for (const StoredRecord& record : records) {
-            PrintLine(
-                ToJson(record).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
-        }
+        for (const StoredRecord& record : records)
+            PrintLine(ToJsonLine(ToJson(record)));
         return;
     }
     CTable table = RecordTable();
@@ -93,7 +92,7 @@ std::string CountOfRecords(size_t count) {
 
 void PrintRemoval(size_t count, bool removed, bool json) {
     if (json) {
-        PrintLine(nlohmann::ordered_json({{"records", count}, {"removed", removed}}).dump());
+        PrintLine(ToJsonLine({{"records", count}, {"removed", removed}}));
     } else {
         PrintLine(CountOfRecords(count) + (removed ? " removed" : " would be removed"));
     }

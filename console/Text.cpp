@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cwctype>
 #include <stdexcept>
 
 namespace tsl {
@@ -47,11 +46,29 @@ std::string RepairUtf8(std::string_view text) {
     return ToUtf8(ToUtf16Leniently(text));
 }
 
+bool IsSteering(wchar_t character) noexcept {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x061C ||
+           character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) ||
+           (character >= 0x2066 && character <= 0x2069);
+}
+
 std::string OneLine(std::string_view text) {
     std::wstring line = ToUtf16Leniently(text);
-    std::ranges::replace_if(
-        line, [](wchar_t character) { return std::iswcntrl(character) != 0; }, L' ');
+    std::ranges::replace_if(line, IsSteering, L' ');
     return ToUtf8(line);
+}
+
+std::string Abridged(std::string_view text, size_t longest) {
+    constexpr wchar_t kLeftOut[] = L"\u2026";
+    const std::wstring whole = ToUtf16Leniently(text);
+    if (whole.size() <= longest) return ToUtf8(whole);
+    // The end tells more than the middle: a code, what the text is of.
+    size_t first = longest - longest / 3 - 1;
+    size_t last = whole.size() - longest / 3;
+    if (IS_HIGH_SURROGATE(whole[first - 1])) --first;
+    if (IS_LOW_SURROGATE(whole[last])) ++last;
+    return ToUtf8(whole.substr(0, first) + kLeftOut + whole.substr(last));
 }
 
 } // namespace tsl

@@ -16,8 +16,19 @@ std::wstring ToUtf16(std::string_view text);
 // quote.
 std::string RepairUtf8(std::string_view text);
 
-// The text with blanks in the place of control characters, so that it stays on its line and cannot
-// steer a terminal. What is no UTF-8 becomes U+FFFD.
+// Whether the character steers a terminal instead of being shown: a control character (C0, DEL,
+// C1), a mark that turns the direction of a text (bidi controls), a separator of lines or
+// paragraphs. None of them takes a pair of surrogates.
+bool IsSteering(wchar_t character) noexcept;
+
+// The text with blanks in the place of characters that steer a terminal, so that it stays on its
+// line and shows as what it is. What is no UTF-8 becomes U+FFFD.
 std::string OneLine(std::string_view text);
+
+// How much of a text from elsewhere a message quotes, in UTF-16 units.
+inline constexpr size_t kLongestQuote = 300;
+
+// Beginning and end of a longer text, an ellipsis between them. What is no UTF-8 becomes U+FFFD.
+std::string Abridged(std::string_view text, size_t longest = kLongestQuote);
 
 } // namespace tsl

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/StorePlace.h"
 #include "console/Table.h"
 #include "console/Text.h"
@@ -25,13 +26,12 @@ void PrintJson(const std::wstring& folder, const BackupManifest& manifest) {
     Json rows = Json::object();
     for (const auto& [table, count] : manifest.rows)
         rows[table] = count;
-    PrintLine(Json({{"folder", ToUtf8(folder)},
-                    {"time", manifest.time},
-                    {"files", std::move(files)},
-                    {"absent", manifest.absent},
-                    {"rows", std::move(rows)},
-                    {"counter", manifest.counter ? Json(*manifest.counter) : Json()}})
-                  .dump());
+    PrintLine(ToJsonLine({{"folder", ToUtf8(folder)},
+                          {"time", manifest.time},
+                          {"files", std::move(files)},
+                          {"absent", manifest.absent},
+                          {"rows", std::move(rows)},
+                          {"counter", manifest.counter ? Json(*manifest.counter) : Json()}}));
 }
 
 void PrintText(const std::wstring& folder, const BackupManifest& manifest) {

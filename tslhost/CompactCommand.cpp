@@ -1,6 +1,7 @@
 // tslhost compact
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/Table.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
@@ -23,7 +24,7 @@ ExitCode RunCompact(const CommandContext& context) {
         json.push_back({{"name", name}, {"before", file.sizeBefore}, {"after", file.sizeAfter}});
     }
     if (context.json) {
-        PrintLine(nlohmann::ordered_json({{"files", std::move(json)}}).dump());
+        PrintLine(ToJsonLine({{"files", std::move(json)}}));
         return ExitCode::Fine;
     }
     for (const std::string& line : table.Lines(OutputWidth()))

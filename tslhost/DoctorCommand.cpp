@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "console/WordWrap.h"
@@ -38,22 +39,28 @@ public:
     // "ok       actionLog.txt  next id is 601", and what mends it on lines below.
     void Print(const Finding& finding) const {
         const LevelLook look = LookOf(finding.level);
-        std::string start = Coloured(look.name, look.colour);
-        start.append(kLevelWidth - std::string_view(look.name).size(), ' ').append(finding.subject);
+        std::string start(kLevelWidth - std::string_view(look.name).size(), ' ');
+        start += finding.subject;
         start.append(m_subjectWidth - finding.subject.size() + kGap, ' ');
-        for (const std::string& line : WrapWords(OneLine(finding.text), Room())) {
-            PrintLine(start + line);
-            start.assign(Indent(), ' ');
-        }
+        const std::vector<std::string> lines = WrapWords(Short(finding.text), Room());
+        PrintLine(look.name, look.colour, lines.empty() ? start : start + lines.front());
+        for (size_t index = 1; index < lines.size(); ++index)
+            PrintIndented(lines[index]);
         if (finding.remedy.empty()) return;
-        for (const std::string& line : WrapWords("mend: " + OneLine(finding.remedy), Room()))
-            PrintLine(std::string(Indent(), ' ') + line);
+        for (const std::string& line : WrapWords("mend: " + Short(finding.remedy), Room()))
+            PrintIndented(line);
     }
 
 private:
     static constexpr size_t kGap = 2;
     static constexpr size_t kLevelWidth = 7 + kGap;
 
+    static std::string Short(const std::string& text) {
+        return Abridged(OneLine(text), kLongestMessage);
+    }
+    void PrintIndented(const std::string& line) const {
+        PrintLine(std::string(Indent(), ' ') + line);
+    }
     size_t Indent() const { return kLevelWidth + m_subjectWidth + kGap; }
     size_t Room() const {
         constexpr size_t kLeastRoom = 20;
@@ -69,7 +76,7 @@ void PrintJson(const Finding& finding) {
                                            {"text", finding.text},
                                            {"remedy", finding.remedy},
                                            {"damage", finding.damage}};
-    PrintLine(object.dump());
+    PrintLine(ToJsonLine(object));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "console/ExportFormat.h"
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
@@ -91,8 +92,7 @@ size_t WriteRecords(std::ostream& output, CHostSession& session,
 }
 
 void PrintSummary(size_t count, bool json) {
-    PrintLine(json ? nlohmann::ordered_json({{"records", count}}).dump()
-                   : CountOfRecords(count) + " exported");
+    PrintLine(json ? ToJsonLine({{"records", count}}) : CountOfRecords(count) + " exported");
 }
 
 } // namespace

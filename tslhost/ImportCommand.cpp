@@ -9,6 +9,7 @@
 
 #include "console/ActionJson.h"
 #include "console/HostSession.h"
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "tslhost/ActionLines.h"
@@ -94,7 +95,7 @@ void PrintSummary(const std::vector<ImportCount>& counts, double seconds, bool j
         words += std::to_string(count.number) + " " + count.words + ", ";
     }
     members["actionsPerSecond"] = rate;
-    PrintLine(json ? members.dump() : words + std::to_string(rate) + " actions per second");
+    PrintLine(json ? ToJsonLine(members) : words + std::to_string(rate) + " actions per second");
 }
 
 std::vector<ImportCount> Import(CActionLines& lines, CHostSession& session) {

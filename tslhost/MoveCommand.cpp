@@ -7,6 +7,7 @@
 
 #include "console/ContentStore.h"
 #include "console/HostSession.h"
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Table.h"
 #include "console/Text.h"
@@ -89,7 +90,7 @@ ExitCode RunMove(const MoveOptions& options, const CommandContext& context) {
     }
     const bool changed = Differ(before, store.Items());
     if (context.json) {
-        PrintLine(ToJson(store.Items()).dump());
+        PrintLine(ToJsonLine(ToJson(store.Items())));
     } else if (changed) {
         PrintChanges(before, store.Items());
     }

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "console/ComInitialization.h"
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/RegisteredPlugins.h"
 #include "console/Text.h"
@@ -33,14 +34,14 @@ void PrintPlugin(const RegisteredPlugin& plugin, bool json) {
         {"type", Hexadecimal(plugin.type)},  {"path", ToUtf8(plugin.path)},
         {"loads", DescribeLoading(plugin)}};
     if (json) {
-        PrintLine(object.dump());
+        PrintLine(ToJsonLine(object));
         return;
     }
     object["enabled"] = plugin.IsEnabled() ? "yes" : "no";
     for (const auto& [name, value] : object.items()) {
         std::string line = name + ":";
         line.resize(10, ' ');
-        PrintLine(line + (value.is_string() ? OneLine(value.get<std::string>()) : value.dump()));
+        PrintLine(line + (value.is_string() ? value.get<std::string>() : value.dump()));
     }
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
@@ -69,7 +70,7 @@ void PrintJson(const RecoverReport& report, bool dryRun) {
     json["counter"] = {{"state", CounterWord(report.counter.state)},
                        {"found", report.counter.found}};
     if (report.counter.written) json["counter"]["written"] = *report.counter.written;
-    PrintLine(json.dump(-1, ' ', false, Json::error_handler_t::replace));
+    PrintLine(ToJsonLine(json));
 }
 
 std::string Count(UINT64 count, const std::string& what) {
@@ -98,8 +99,7 @@ void PrintDatabase(const DatabaseReport& database, bool dryRun) {
     const std::string file = ToUtf8(database.path);
     if (database.outcome == Outcome::Missing) return PrintLine(file + ": is not there");
     if (database.outcome == Outcome::Whole) return PrintLine(file + ": is whole, left alone");
-    PrintLine(file + ": " +
-              (database.damage.empty() ? "whole, made anew" : OneLine(database.damage)));
+    PrintLine(file + ": " + (database.damage.empty() ? "whole, made anew" : database.damage));
     for (const TableReport& table : database.tables)
         PrintTable(table);
     const std::string rest = NotRead(database.unread.pages, database.unread.rows);

@@ -1,6 +1,7 @@
 // tslhost report
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/StorePlace.h"
 #include "console/Text.h"
@@ -17,7 +18,7 @@ ExitCode RunReport(const std::string& file, const CommandContext& context) {
     out.Stream() << page;
     out.Commit();
     if (context.json) {
-        PrintLine(nlohmann::ordered_json({{"file", ToUtf8(path)}, {"bytes", page.size()}}).dump());
+        PrintLine(ToJsonLine({{"file", ToUtf8(path)}, {"bytes", page.size()}}));
     } else {
         PrintLine(ToUtf8(path));
     }

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/RecordOutput.h"
 #include "console/RecordSelection.h"
@@ -31,8 +32,7 @@ HostAction ResetAction(const ResetOptions& options) {
 
 void PrintReset(size_t count, UINT32 id, bool json) {
     if (json) {
-        PrintLine(
-            nlohmann::ordered_json({{"records", count}, {"removed", true}, {"id", id}}).dump());
+        PrintLine(ToJsonLine({{"records", count}, {"removed", true}, {"id", id}}));
     } else {
         PrintLine(CountOfRecords(count) + " removed, and the reset recorded as " +
                   std::to_string(id));

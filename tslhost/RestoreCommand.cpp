@@ -1,6 +1,7 @@
 // tslhost restore
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/StorePlace.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
@@ -18,15 +19,14 @@ void PrintJson(const std::wstring& folder, const RestoreReport& report) {
     Json files = Json::array();
     for (const BackupFile& file : report.manifest.files)
         files.push_back(file.name);
-    PrintLine(
-        Json({{"folder", ToUtf8(folder)},
-              {"time", report.manifest.time},
-              {"files", std::move(files)},
-              {"before", report.keptFolder.empty() ? Json() : Json(ToUtf8(report.keptFolder))},
-              {"counter", report.counter ? Json(*report.counter) : Json()},
-              {"counterStayed", report.counterOfStore},
-              {"userIdsStayed", report.userIdsOfStore}})
-            .dump());
+    PrintLine(ToJsonLine(
+        {{"folder", ToUtf8(folder)},
+         {"time", report.manifest.time},
+         {"files", std::move(files)},
+         {"before", report.keptFolder.empty() ? Json() : Json(ToUtf8(report.keptFolder))},
+         {"counter", report.counter ? Json(*report.counter) : Json()},
+         {"counterStayed", report.counterOfStore},
+         {"userIdsStayed", report.userIdsOfStore}}));
 }
 
 void PrintText(const std::wstring& folder, const RestoreReport& report) {
@@ -34,7 +34,7 @@ void PrintText(const std::wstring& folder, const RestoreReport& report) {
     for (const BackupFile& file : report.manifest.files)
         all += file.sum.size;
     PrintLine(FileSize(all) + " restored from " + ToUtf8(folder) + ", made " +
-              report.manifest.time);
+              Abridged(report.manifest.time));
     if (!report.keptFolder.empty())
         PrintLine("what was there before lies in " + ToUtf8(report.keptFolder));
     if (report.counter) {

@@ -6,6 +6,7 @@
 #include "component/host/ITslContentPropertySink.h"
 #include "component/host/ParamKeys.h"
 #include "console/HostSession.h"
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "tslhost/Commands.h"
@@ -91,12 +92,11 @@ ExitCode RunTake(const TakeOptions& options, const CommandContext& context) {
     for (const auto& container : answer) {
         const Json taken = ToJson(options.id, *container);
         if (context.json) {
-            PrintLine(taken.dump(-1, ' ', false, Json::error_handler_t::replace));
+            PrintLine(ToJsonLine(taken));
             continue;
         }
         for (const auto& [name, value] : taken.items()) {
-            PrintLine(name + ": " +
-                      (value.is_string() ? OneLine(value.get<std::string>()) : value.dump()));
+            PrintLine(name + ": " + (value.is_string() ? value.get<std::string>() : value.dump()));
         }
     }
     return ExitCode::Fine;

@@ -1,6 +1,7 @@
 // tslhost whoami
 #include <nlohmann/json.hpp>
 
+#include "console/JsonOutput.h"
 #include "console/Output.h"
 #include "console/Text.h"
 #include "files/UserIdList.h"
@@ -15,7 +16,7 @@ ExitCode RunWhoami(const CommandContext& context) {
     if (SUCCEEDED(result)) result = CurrentUserId(id);
     if (FAILED(result)) throw CFailure("cannot find out", L"the current user", result);
     if (context.json) {
-        PrintLine(nlohmann::ordered_json({{"sid", ToUtf8(sid)}, {"id", id}}).dump());
+        PrintLine(ToJsonLine({{"sid", ToUtf8(sid)}, {"id", id}}));
     } else {
         PrintLine(ToUtf8(sid) + "  " + std::to_string(id));
     }

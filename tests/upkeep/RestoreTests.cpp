@@ -7,6 +7,7 @@
 #include "tests/support/StoreChecks.h"
 #include "tests/upkeep/BackupFixture.h"
 #include "tests/upkeep/DamagedStore.h"
+#include "upkeep/backup/Manifest.h"
 #include "upkeep/backup/Restore.h"
 
 namespace tsl::test {
@@ -286,6 +287,23 @@ TEST_F(Restore, ReplacesAFolderThatLiesInThePlaceOfAFile) {
     ASSERT_EQ(ExitCode::Fine, outcome.code) << outcome.message;
     ExpectSample();
     EXPECT_EQ((Bytes{1, 2}), ReadBytes(Kept(L"ualog.db") / L"letter.txt"));
+}
+
+// Whoever made the backup wrote its manifest, with a sum that is right.
+TEST_F(Restore, TellsAHostileTimeOfABackupHarmlessly) {
+    BackUpAndChange();
+    BackupManifest manifest = ReadManifest(Folder().wstring());
+    manifest.time = "\x1b]0;x\x07"
+                    "b\u009b31m\u202Et" +
+                    std::string(100'000, 'z');
+    fs::remove(Folder() / kManifestName);
+    WriteManifest(Folder().wstring(), manifest);
+    const ConsoleResult restored = RunConsole(Typed(L"restore"));
+    EXPECT_EQ(0, restored.exitCode) << restored.errors;
+    EXPECT_THAT(restored.output, HasSubstr(", made  ]0;x b 31m tzzz"));
+    EXPECT_LT(restored.output.size(), 1500u);
+    const ConsoleResult again = RunConsole(Typed(L"restore --json"));
+    EXPECT_THAT(again.output, HasSubstr("\"time\":\"\\u001b]0;x\\u0007b\\u009b31m\\u202etzzz"));
 }
 
 TEST_F(Restore, IsACommand) {

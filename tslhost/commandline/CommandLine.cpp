@@ -64,7 +64,7 @@ ExitCode RunCommandLine(const std::vector<std::string>& arguments) {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend())); // last one first
         if (app.get_subcommands().empty()) throw CLI::RequiredError("A command");
     } catch (const CLI::CallForHelp&) {
-        PrintLine(app.help());
+        PrintHelp(app.help());
     } catch (const CLI::CallForVersion& version) {
         PrintLine(std::string("tslhost ") + version.what());
     } catch (const CLI::ParseError& error) {

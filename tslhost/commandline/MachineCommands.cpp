@@ -25,7 +25,7 @@ void AddManual(CLI::App& app) {
     CLI::App* const command =
         app.add_subcommand("manual", "Print the help of all commands as one Markdown document");
     command->footer("Example: tslhost manual > tslhost.md");
-    command->callback([&app] { PrintLine(MakeManual(app)); });
+    command->callback([&app] { PrintHelp(MakeManual(app)); });
 }
 
 } // namespace
