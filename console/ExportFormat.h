@@ -17,11 +17,19 @@ struct ExportedRecord {
 // text, flat beside them. Without a line end.
 std::string ExportJson(const ExportedRecord& exported);
 
+// How texts stand in CSV.
+enum class CsvTexts {
+    // A text that a spreadsheet would take for a formula begins with an apostrophe, and characters
+    // that steer a terminal, line ends too, are blanks.
+    Harmless,
+    // To the byte.
+    Raw,
+};
+
 // The line of the column names, and that of a record, with their line ends (CR LF). A text with a
 // comma, a quotation mark or a line end stands in quotation marks, those in it doubled; a value
-// list is JSON text, and its cell empty where the record has none. Nothing is added or taken away:
-// a spreadsheet may take a text for a formula.
+// list is JSON text, and its cell empty where the record has none.
 std::string ExportCsvTitles();
-std::string ExportCsvLine(const ExportedRecord& exported);
+std::string ExportCsvLine(const ExportedRecord& exported, CsvTexts texts);
 
 } // namespace tsl

@@ -50,6 +50,7 @@ struct ExportOptions {
     RecordSelection selection; // no user: all users
     RecordFilter filter;
     std::string format = "jsonl"; // or "csv"
+    bool raw = false;             // of csv
     std::string file;             // empty: the standard output
 };
 ExitCode RunExport(const ExportOptions& options, const CommandContext& context);

@@ -82,9 +82,10 @@ size_t WriteRecords(std::ostream& output, CHostSession& session,
                     const std::map<UINT32, UINT32>& kinds, const ExportOptions& options) {
     CProgress progress;
     size_t written = 0;
+    const CsvTexts texts = options.raw ? CsvTexts::Raw : CsvTexts::Harmless;
     if (IsCsv(options)) output << ExportCsvTitles();
     return ForEachRecord(session, kinds, options, [&](const ExportedRecord& exported) {
-        output << (IsCsv(options) ? ExportCsvLine(exported) : ExportJson(exported) + '\n');
+        output << (IsCsv(options) ? ExportCsvLine(exported, texts) : ExportJson(exported) + '\n');
         if (!output) throw CFailure(ExitCode::Denied, "cannot write the records");
         ++written;
         if (!options.file.empty()) progress.Show(std::to_string(written) + " records");
@@ -98,6 +99,8 @@ void PrintSummary(size_t count, bool json) {
 } // namespace
 
 ExitCode RunExport(const ExportOptions& options, const CommandContext& context) {
+    if (options.raw && !IsCsv(options))
+        throw CFailure(ExitCode::Usage, "--raw is said of --format csv only");
     CHostSession session(context.pluginPath);
     const RecordOwners known = ReadRecordOwners(ActionLogPath());
     const auto kinds = SelectKinds(session, options.selection, known);

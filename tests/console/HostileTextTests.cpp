@@ -144,6 +144,17 @@ TEST_F(HostileText, OfRecordsIsEscapedInJsonAndReadBackAsItWas) {
     EXPECT_EQ(kHostile, nlohmann::json::parse(stats)["actions"][0]["name"]);
 }
 
+TEST_F(HostileText, OfRecordsIsHarmlessInCsvUnlessItIsAskedFor) {
+    RecordHostileName();
+    const std::string csv = RunConsole(L"export --format csv").output;
+    std::string lines = csv;
+    std::erase(lines, '\r');
+    EXPECT_EQ("", SteeringIn(lines)) << csv;
+    EXPECT_EQ(2u, CountOf(csv, '\n')) << csv;
+    EXPECT_EQ(2u, CountOf(csv, '\r')) << csv;
+    EXPECT_THAT(RunConsole(L"export --format csv --raw").output, HasSubstr(kHostile));
+}
+
 TEST_F(HostileText, OfATakenRecordIsHarmless) {
     const ConsoleResult recorded =
         RunConsole(L"import -", Line({{"name", "deleteItem"},

@@ -172,7 +172,7 @@ TEST_F(Export, HasEveryRecordOfALargerStoreOnce) {
     }
 }
 
-TEST_F(Export, CsvIsReadBackAsItWas) {
+TEST_F(Export, RawCsvIsReadBackAsItWas) {
     Import(R"({"name":"=cmd|' /C calc'!A0","app":5,"user":1,"stringValues":["a","\"q\""]})"
            "\n"
            R"({"name":"one,\"two\"","app":5,"user":2,"kind":32,"ullValues":[1,2]})"
@@ -181,7 +181,7 @@ TEST_F(Export, CsvIsReadBackAsItWas) {
            "\n"
            R"({"name":"日本 ","app":5,"user":1})"
            "\n");
-    const std::string csv = RunConsole(L"export --format csv").output;
+    const std::string csv = RunConsole(L"export --format csv --raw").output;
     const std::vector<CsvRow> rows = ParseCsv(csv);
     const std::vector<Json> lines = Lines(RunConsole(L"export").output);
     ASSERT_EQ(5u, rows.size());
@@ -202,6 +202,61 @@ TEST_F(Export, CsvIsReadBackAsItWas) {
     }
     EXPECT_EQ("=cmd|' /C calc'!A0", rows[1][5]) << "nothing is added against formulas";
     EXPECT_NE(std::string::npos, csv.find(",\"line\r\nend\",")) << csv;
+}
+
+TEST_F(Export, CsvHasNoTextThatASpreadsheetTakesForAFormula) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"=cmd|' /C calc'!A0", "'=cmd|' /C calc'!A0"},
+        {"+1+cmd", "'+1+cmd"},
+        {"-1+cmd", "'-1+cmd"},
+        {"@SUM(A1)", "'@SUM(A1)"},
+        {"\t=1", "' =1"},
+        {"\rx", "' x"},
+        {"\nx", "' x"},
+        {"  =1", "'  =1"},
+        {"\u00A0=1", "'\u00A0=1"},
+        {"\"=1\"", "'\"=1\""},
+        {"'=1", "''=1"},
+        {"\uFF1D"
+         "1",
+         "'\uFF1D"
+         "1"},
+        {"-inf", "'-inf"},
+        {"-5", "-5"},
+        {"-5.25e-3", "-5.25e-3"},
+        {"17", "17"},
+        {"playItem", "playItem"},
+        {"a=1", "a=1"},
+        {"a-b", "a-b"},
+        {"", ""},
+    };
+    std::string lines;
+    for (const auto& [name, cell] : cases)
+        lines += Json({{"name", name}, {"app", -5}, {"user", 1}}).dump() + "\n";
+    Import(lines);
+    const std::vector<CsvRow> rows = ParseCsv(RunConsole(L"export --format csv").output);
+    const std::vector<CsvRow> raw = ParseCsv(RunConsole(L"export --format csv --raw").output);
+    ASSERT_EQ(std::size(cases) + 1, rows.size());
+    ASSERT_EQ(rows.size(), raw.size());
+    for (size_t index = 0; index < std::size(cases); ++index) {
+        EXPECT_EQ(cases[index].second, rows[index + 1][5]);
+        EXPECT_EQ(cases[index].first, raw[index + 1][5]);
+        EXPECT_EQ("-5", rows[index + 1][3]);
+    }
+}
+
+// The parameter text of a record that no host of today writes.
+TEST_F(Export, CsvGuardsTheParametersToo) {
+    MakeRecords();
+    FileDatabase(ActionLogPath())
+        .Query("UPDATE TslIf_DbActionLog SET ActionParameters = '=1+1' WHERE ActionLogId = 1");
+    EXPECT_EQ("'=1+1", ParseCsv(RunConsole(L"export --format csv").output)[1][6]);
+}
+
+TEST_F(Export, RawIsSaidOfCsvOnly) {
+    const ConsoleResult result = RunConsole(L"export --raw");
+    EXPECT_EQ(2, result.exitCode);
+    EXPECT_EQ("tslhost: --raw is said of --format csv only\n", result.errors);
 }
 
 TEST_F(Export, FileIsWrittenWholeOrStaysAsItWas) {

@@ -40,9 +40,11 @@ constexpr char kExportFooter[] =
     "line of jsonl is also one of import, which keeps the ids with --keep-ids. Numbers that are "
     "none of JSON's are the texts \"inf\", \"-inf\", \"nan\" and \"-nan\".\n"
     "\n"
-    "csv has a line of names, CR LF and UTF-8 without a mark; a list is JSON text. Texts stand "
-    "as they are: a spreadsheet takes one that begins with = + - or @ for a formula, so import "
-    "such columns as text.";
+    "csv has a line of names, CR LF and UTF-8 without a mark; a list is JSON text. So that no "
+    "spreadsheet takes a text for a formula, one that begins with = + - @ a tab or a line end, "
+    "also behind blanks or quotation marks, gets an apostrophe before it, unless it is a plain "
+    "number; control characters, line ends and marks that turn the direction of a text become "
+    "blanks. --raw leaves all that as it is: import such columns as text.";
 
 // An option that may be given again and again, with one value each time.
 template <class T>
@@ -109,6 +111,8 @@ void AddExport(CLI::App& app, CommandRun& run) {
     command->add_option("--format", options->format, "jsonl or csv")
         ->check(CLI::IsMember({"jsonl", "csv"}))
         ->capture_default_str();
+    command->add_flag("--raw", options->raw,
+                      "In csv, texts as they are, also such as are formulas");
     command->add_option("--output", options->file,
                         "File to write, whole or not at all; default: the standard output");
     command->footer(kExportFooter);
