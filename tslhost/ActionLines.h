@@ -2,6 +2,7 @@
 #pragma once
 
 #include <istream>
+#include <stdexcept>
 #include <string>
 
 namespace tsl {
@@ -15,17 +16,20 @@ public:
     // False at the end. Throws CFailure when the stream cannot be read.
     bool Next();
 
-    const std::string& Text() const noexcept { return m_text; }
+    // Throws std::invalid_argument for a line that was too long to be read whole.
+    const std::string& Text() const;
     // "file:17: "
     std::string Place() const { return m_name + ":" + std::to_string(m_number) + ": "; }
 
 private:
+    bool Read();
     void Trim();
 
     std::istream& m_input;
     const std::string m_name;
     std::string m_text;
     size_t m_number = 0;
+    bool m_isTooLong = false;
 };
 
 } // namespace tsl

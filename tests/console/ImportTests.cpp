@@ -47,6 +47,39 @@ TEST_F(Import, NamesABadLineAndGoesOn) {
     EXPECT_EQ(2, CountRows(ActionLogPath(), kActionLogRows));
 }
 
+TEST_F(Import, LineThatIsLongerThan16MbIsRefusedAndTheOthersAreRecorded) {
+    constexpr size_t kLongest = 16 << 20;
+    const auto lineOf = [](size_t size) {
+        const std::string frame = R"({"name":"a","app":1,"user":1})";
+        return std::string(size - frame.size(), ' ') + frame;
+    };
+    const ConsoleResult result =
+        RunConsole(L"import -", kGoodLine + lineOf(kLongest + 1) + "\n" + kGoodLine +
+                                    lineOf(kLongest) + "\n" + std::string(kLongest + 1, ' '));
+    EXPECT_EQ(6, result.exitCode);
+    EXPECT_EQ("tslhost: -:2: the line is longer than 16 MB\n"
+              "tslhost: -:5: the line is longer than 16 MB\n",
+              result.errors);
+    EXPECT_EQ(0u, result.output.find("3 recorded, 2 bad, ")) << result.output;
+    EXPECT_EQ(3, CountRows(ActionLogPath(), kActionLogRows));
+}
+
+TEST_F(Import, ReadsLinesOfEveryLengthAboutThatOfItsParts) {
+    constexpr size_t kPart = 1 << 14;
+    std::string lines;
+    size_t count = 0;
+    for (size_t size = kPart - 3; size < kPart + 3; ++size, count += 2) {
+        for (const size_t length : {size, size + kPart}) {
+            const std::string line(kGoodLine, sizeof kGoodLine - 2);
+            lines += line + std::string(length - line.size(), ' ') + "\n";
+        }
+    }
+    lines += std::string("{\"name\":\"\0\"}\n", 13) + "nonsense";
+    const ConsoleResult result = RunConsole(L"import -", lines);
+    EXPECT_EQ(0u, result.output.find(std::to_string(count) + " recorded, 2 bad, "))
+        << result.output << result.errors;
+}
+
 TEST_F(Import, SummaryIsJsonWhenAskedFor) {
     const ConsoleResult result = RunConsole(L"import --json -", kGoodLine);
     EXPECT_EQ(0u, result.output.find("{\"recorded\":1,\"bad\":0,\"actionsPerSecond\":"))
