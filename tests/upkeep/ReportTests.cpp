@@ -63,10 +63,25 @@ std::vector<std::string> RowsOf(const Markup& markup, const std::string& caption
 TEST_F(Report, NeedsNothingButItself) {
     Change("UPDATE TslIf_DbActionLog SET PluginLoggedTime = 45000 + ActionLogId / 7.0");
     const std::string page = Page();
-    for (const char* const word : {"http", "src=", "<script", "url(", "@import", "<link", "<iframe",
+    for (const char* const word : {"://", "src=", "<script", "url(", "@import", "<link", "<iframe",
                                    "onload", "onclick", "javascript"}) {
         EXPECT_THAT(page, Not(HasSubstr(word)));
     }
+}
+
+TEST_F(Report, ForbidsTheBrowserToLoadOrRunAnything) {
+    ASSERT_EQ(0, RunReport().exitCode);
+    const Bytes page = ReadBytes(Out());
+    const Markup markup = ReadMarkup(std::string(page.begin(), page.end()));
+    std::vector<std::string> policies;
+    for (const MarkupElement* const meta : markup.Named("meta")) {
+        const auto found = meta->attributes.find("http-equiv");
+        if (found != meta->attributes.end() && found->second == "Content-Security-Policy")
+            policies.push_back(meta->attributes.at("content"));
+    }
+    EXPECT_EQ(std::vector<std::string>{"default-src 'none'; style-src 'unsafe-inline'; "
+                                       "base-uri 'none'; form-action 'none'"},
+              policies);
 }
 
 TEST_F(Report, IsReadableForEveryone) {
@@ -163,6 +178,16 @@ TEST_F(Report, HostileNamesStayNames) {
                                            "B"));
     for (const std::string& name : names)
         EXPECT_LT(name.size(), 130u);
+}
+
+// Columns of numbers can hold texts too.
+TEST_F(Report, HostileUsersAndApplicationsStayNames) {
+    Change("UPDATE TslIf_DbActionLog SET UserId = '<script>u', AppId = '<img src=x>'");
+    const std::string page = Page();
+    EXPECT_THAT(page, Not(HasSubstr("<script")));
+    EXPECT_THAT(page, Not(HasSubstr("<img")));
+    EXPECT_THAT(page, HasSubstr("&lt;script&gt;u"));
+    EXPECT_THAT(page, HasSubstr("&lt;img src=x&gt;"));
 }
 
 TEST_F(Report, ManyDaysAreDrawnAsFewColumns) {

@@ -32,8 +32,15 @@ std::string Section(const std::string& id, const std::string& heading, const std
     return section + content + "</section>\n";
 }
 
+// Nothing is loaded, run or sent, whatever a name of the store should bring into the page. Styles
+// stand in the page, some of them, places on an axis, with their elements.
+constexpr char kPolicy[] =
+    "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
+    "style-src 'unsafe-inline'; base-uri 'none'; form-action 'none'\"/>\n";
+
 std::string Head(const StoreFigures& figures) {
-    return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
+    return std::string("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n") +
+           kPolicy +
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
            "<meta name=\"color-scheme\" content=\"light dark\"/>\n<title>Action log, " +
            SpokenDay(DayOf(figures.taken)) + "</title>\n<style>\n" + kReportStyle +
