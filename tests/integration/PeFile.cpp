@@ -1,5 +1,6 @@
 #include "tests/integration/PeFile.h"
 
+#include <cstring>
 #include <stdexcept>
 
 namespace tsl::test {
@@ -74,6 +75,45 @@ std::vector<std::string> PeFile::ImportedModules() const {
     AddModules(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT, &IMAGE_DELAYLOAD_DESCRIPTOR::DllNameRVA,
                modules);
     return modules;
+}
+
+DWORD PeFile::AddressOf(const std::string& symbol) const {
+    const size_t table = Headers().FileHeader.PointerToSymbolTable;
+    const size_t count = Headers().FileHeader.NumberOfSymbols;
+    const size_t names = table + count * IMAGE_SIZEOF_SYMBOL;
+    const auto nameOf = [&](const IMAGE_SYMBOL& entry) {
+        if (entry.N.Name.Short == 0) return std::string(&At<char>(names + entry.N.Name.Long));
+        const auto* const first = reinterpret_cast<const char*>(entry.N.ShortName);
+        return std::string(first, strnlen(first, sizeof entry.N.ShortName));
+    };
+    for (size_t index = 0; index < count; ++index) {
+        const auto& entry = At<IMAGE_SYMBOL>(table + index * IMAGE_SIZEOF_SYMBOL);
+        if (entry.SectionNumber > 0 && nameOf(entry) == symbol) {
+            return Sections().at(static_cast<size_t>(entry.SectionNumber) - 1).VirtualAddress +
+                   entry.Value;
+        }
+        index += entry.NumberOfAuxSymbols;
+    }
+    return 0;
+}
+
+size_t PeFile::CallsOf(const std::string& function) const {
+    constexpr unsigned char kCall = 0xE8; // and how far away, from the next instruction on
+    constexpr size_t kLength = 1 + sizeof(INT32);
+    const DWORD wanted = AddressOf(function);
+    size_t calls = 0;
+    for (const IMAGE_SECTION_HEADER& section : Sections()) {
+        if (wanted == 0 || !(section.Characteristics & IMAGE_SCN_MEM_EXECUTE)) continue;
+        for (size_t offset = 0; offset + kLength <= section.SizeOfRawData; ++offset) {
+            const size_t place = section.PointerToRawData + offset;
+            if (At<unsigned char>(place) != kCall) continue;
+            INT32 distance = 0;
+            std::memcpy(&distance, &At<unsigned char>(place + 1), sizeof distance);
+            const size_t next = section.VirtualAddress + offset + kLength;
+            if (next + static_cast<size_t>(static_cast<INT64>(distance)) == wanted) ++calls;
+        }
+    }
+    return calls;
 }
 
 std::vector<std::string> PeFile::ExportedNames() const {

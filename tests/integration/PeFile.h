@@ -1,4 +1,5 @@
-// Reads headers and the import and export tables of a 64-bit PE file, without loading it.
+// Reads headers, the import and export tables and the symbols of a 64-bit PE file, without loading
+// it.
 #pragma once
 
 #include <string>
@@ -17,6 +18,9 @@ public:
     std::vector<std::string> ImportedModules() const;
     // Names that it exports. Throws when it exports anything without a name.
     std::vector<std::string> ExportedNames() const;
+    // How many calls there are of a function; none when the file has no symbols, or none of that
+    // name.
+    size_t CallsOf(const std::string& function) const;
     // The headers that speak of the file as a whole, and of each of its sections.
     const IMAGE_NT_HEADERS64& Headers() const;
     std::vector<IMAGE_SECTION_HEADER> Sections() const;
@@ -25,6 +29,8 @@ private:
     template <class T>
     const T& At(size_t offset) const;
     size_t OffsetOf(DWORD address) const;
+    // Addresses in the image; 0 for a symbol that is not there.
+    DWORD AddressOf(const std::string& symbol) const;
     std::string Text(DWORD address) const;
     IMAGE_DATA_DIRECTORY Directory(size_t index) const;
     template <class Descriptor>
