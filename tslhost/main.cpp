@@ -8,11 +8,17 @@
 #include "base/LocalMemory.h"
 #include "console/Output.h"
 #include "console/Text.h"
+#include "tslhost/Hardening.h"
 #include "tslhost/commandline/CommandLine.h"
 
 namespace tsl {
 
 namespace {
+
+// Before all other constructors: that of the stack protector has the system load a library already.
+[[gnu::constructor(101)]] void HardenFirst() {
+    HardenProcess();
+}
 
 // Without the program, in UTF-8.
 std::vector<std::string> Arguments() {

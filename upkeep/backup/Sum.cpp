@@ -10,6 +10,7 @@
 
 #include "base/Handle.h"
 #include "base/Hresult.h"
+#include "base/SystemLibrary.h"
 #include "console/Failure.h"
 #include "console/Text.h"
 #include "upkeep/StoreFiles.h"
@@ -27,11 +28,38 @@ void RequireDone(NTSTATUS status) {
     }
 }
 
+// Not linked: a file of that name may lie beside the program.
+template <class Function>
+Function FindFunction(const char* name) {
+    static const CSystemLibrary library(L"bcrypt.dll");
+    const auto found = library ? library.Find<Function>(name) : nullptr;
+    if (found) return found;
+    throw CFailure(ExitCode::Denied,
+                   std::string("the system gives no SHA-256 sums: bcrypt.dll has no ") + name);
+}
+
+struct HashFunctions {
+    decltype(&BCryptOpenAlgorithmProvider) openProvider =
+        FindFunction<decltype(openProvider)>("BCryptOpenAlgorithmProvider");
+    decltype(&BCryptCloseAlgorithmProvider) closeProvider =
+        FindFunction<decltype(closeProvider)>("BCryptCloseAlgorithmProvider");
+    decltype(&BCryptCreateHash) createHash = FindFunction<decltype(createHash)>("BCryptCreateHash");
+    decltype(&BCryptDestroyHash) destroyHash =
+        FindFunction<decltype(destroyHash)>("BCryptDestroyHash");
+    decltype(&BCryptHashData) hashData = FindFunction<decltype(hashData)>("BCryptHashData");
+    decltype(&BCryptFinishHash) finishHash = FindFunction<decltype(finishHash)>("BCryptFinishHash");
+};
+
+const HashFunctions& Functions() {
+    static const HashFunctions functions;
+    return functions;
+}
+
 struct ProviderDeleter {
-    void operator()(void* provider) const noexcept { BCryptCloseAlgorithmProvider(provider, 0); }
+    void operator()(void* provider) const noexcept { Functions().closeProvider(provider, 0); }
 };
 struct HashDeleter {
-    void operator()(void* hash) const noexcept { BCryptDestroyHash(hash); }
+    void operator()(void* hash) const noexcept { Functions().destroyHash(hash); }
 };
 
 // A sum that grows with what is added.
@@ -39,23 +67,25 @@ class CSha256 {
 public:
     CSha256() {
         void* made = nullptr;
-        RequireDone(BCryptOpenAlgorithmProvider(&made, BCRYPT_SHA256_ALGORITHM,
-                                                /*implementation=*/nullptr, /*flags=*/0));
+        RequireDone(Functions().openProvider(&made, BCRYPT_SHA256_ALGORITHM,
+                                             /*implementation=*/nullptr, /*flags=*/0));
         m_provider.reset(made);
-        RequireDone(BCryptCreateHash(made, &made, /*hashObject=*/nullptr, 0, /*secret=*/nullptr, 0,
-                                     /*flags=*/0));
+        RequireDone(Functions().createHash(made, &made, /*hashObject=*/nullptr, 0,
+                                           /*secret=*/nullptr, 0,
+                                           /*flags=*/0));
         m_hash.reset(made);
     }
 
     void Add(const void* bytes, size_t size) {
         auto* const first = static_cast<UCHAR*>(const_cast<void*>(bytes)); // is not written
-        RequireDone(BCryptHashData(m_hash.get(), first, static_cast<ULONG>(size), /*flags=*/0));
+        RequireDone(
+            Functions().hashData(m_hash.get(), first, static_cast<ULONG>(size), /*flags=*/0));
     }
 
     // Ends the sum.
     std::string Hexadecimal() {
         std::array<UCHAR, 32> sum{};
-        RequireDone(BCryptFinishHash(m_hash.get(), sum.data(), sum.size(), /*flags=*/0));
+        RequireDone(Functions().finishHash(m_hash.get(), sum.data(), sum.size(), /*flags=*/0));
         std::string text;
         for (const UCHAR byte : sum) {
             text += "0123456789abcdef"[byte >> 4];
