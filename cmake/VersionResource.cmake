@@ -1,7 +1,8 @@
-# tsl_add_version(TARGET FILE name DESCRIPTION text TYPE APP|DLL [VERSION x.y.z])
-# Gives a program or DLL its version resource; the version is the project's unless one is named.
+# tsl_add_version(TARGET FILE name DESCRIPTION text TYPE APP|DLL [VERSION x.y.z] [MANIFEST path])
+# Gives a program or DLL its version resource, and a program its manifest; the version is the project's unless one
+# is named.
 function(tsl_add_version target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FILE;DESCRIPTION;TYPE;VERSION" "")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "FILE;DESCRIPTION;TYPE;VERSION;MANIFEST" "")
   if(NOT arg_VERSION)
     set(arg_VERSION "${PROJECT_VERSION}")
   endif()
@@ -10,6 +11,11 @@ function(tsl_add_version target)
   get_filename_component(internal_name "${arg_FILE}" NAME_WE)
   set(file_type "VFT_${arg_TYPE}")
   set(resource "${CMAKE_CURRENT_BINARY_DIR}/${internal_name}Version.rc")
+  set(manifest "")
+  if(arg_MANIFEST)
+    set(manifest "CREATEPROCESS_MANIFEST_RESOURCE_ID RT_MANIFEST \"${arg_MANIFEST}\"")
+    set_source_files_properties("${resource}" PROPERTIES OBJECT_DEPENDS "${arg_MANIFEST}")
+  endif()
   configure_file("${PROJECT_SOURCE_DIR}/cmake/Version.rc.in" "${resource}" @ONLY)
   target_sources(${target} PRIVATE "${resource}")
 endfunction()

@@ -17,6 +17,20 @@ fs::path ConsoleHostPath() {
     return ProgramFolder() / L"tslhost.exe";
 }
 
+// The application manifest; empty when there is none.
+std::string ApplicationManifest() {
+    const HMODULE file = LoadLibraryExW(ConsoleHostPath().c_str(), nullptr,
+                                        LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    std::string manifest;
+    // 1, of a program; 24, a manifest.
+    if (const HRSRC found = FindResourceW(file, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24))) {
+        manifest.assign(static_cast<const char*>(LockResource(LoadResource(file, found))),
+                        SizeofResource(file, found));
+    }
+    FreeLibrary(file);
+    return manifest;
+}
+
 constexpr const wchar_t* kPlanted[] = {L"bcrypt",  L"cryptbase", L"cryptsp", L"rsaenh",
                                        L"profapi", L"propsys",   L"uxtheme", L"ntmarta",
                                        L"sspicli", L"apphelp",   L"winmm"};
@@ -110,6 +124,14 @@ TEST_F(ConsoleHostFile, ImportsKnownDllsOnly) {
 TEST_F(ConsoleHostFile, ExportsNothing) {
     const IMAGE_NT_HEADERS64 headers = PeFile(ConsoleHostPath()).Headers();
     EXPECT_EQ(0u, headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].Size);
+}
+
+TEST_F(ConsoleHostFile, CarriesTheManifestOfAProgramOfToday) {
+    const std::string manifest = ApplicationManifest();
+    for (const char* const part : {"level=\"asInvoker\"", ">true</longPathAware>",
+                                   "supportedOS Id=\"{8e0f7a12-bfb3-4fe8-b9a5-48fd50a15a9a}\""}) {
+        EXPECT_NE(std::string::npos, manifest.find(part)) << part << " in \"" << manifest << '"';
+    }
 }
 
 TEST_F(ConsoleHostFile, GuardsItsStackAndChecksItsContainers) {
