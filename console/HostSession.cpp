@@ -56,6 +56,8 @@ UINT32 RecordIdOf(const CVariant& answer) {
 } // namespace
 
 CHostSession::CHostSession(const std::wstring& pluginPath) {
+    // Where there is none, the component would work in the current directory.
+    StoreFolderPath();
     LoadPlugin(pluginPath);
     // First of all: an older store must be converted before it hands out ids.
     SetLogKind(kOrdinaryLogKind);

@@ -5,6 +5,7 @@
 #include <shlobj.h>
 
 #include <filesystem>
+#include <stdexcept>
 #include <vector>
 
 namespace tsl {
@@ -13,8 +14,12 @@ namespace {
 
 std::wstring MachineFolder(const wchar_t* below) {
     wchar_t folder[MAX_PATH] = L"";
-    SHGetFolderPathW(/*owner=*/nullptr, CSIDL_COMMON_APPDATA, /*token=*/nullptr, SHGFP_TYPE_CURRENT,
-                     folder);
+    // The current directory would be anybody's.
+    if (FAILED(SHGetFolderPathW(/*owner=*/nullptr, CSIDL_COMMON_APPDATA, /*token=*/nullptr,
+                                SHGFP_TYPE_CURRENT, folder)) ||
+        !*folder) {
+        throw std::runtime_error("the system names no folder for the data of all users");
+    }
     return std::wstring(folder) + below;
 }
 

@@ -16,7 +16,8 @@ std::wstring ProgramFolder();
 std::wstring FullPath(const std::wstring& path);
 
 // The folder of the databases and the counter file, and that of the user id list, with a trailing
-// backslash. Neither is created.
+// backslash. Neither is created. All of these throw std::runtime_error where the system does not
+// know the folder that they are in.
 std::wstring StoreFolderPath();
 std::wstring UserIdFolderPath();
 

@@ -1,9 +1,12 @@
 // A file that is written whole or not at all: what was there before stays until then.
 #pragma once
 
-#include <filesystem>
-#include <fstream>
+#include <array>
+#include <ostream>
+#include <streambuf>
 #include <string>
+
+#include "console/NewFile.h"
 
 namespace tsl {
 
@@ -11,20 +14,31 @@ class CWholeFile {
 public:
     // Throws CFailure when it cannot be made.
     explicit CWholeFile(const std::string& path);
-    CWholeFile(const CWholeFile&) = delete;
-    CWholeFile& operator=(const CWholeFile&) = delete;
-    // Without Commit nothing is left of it.
-    ~CWholeFile();
 
+    // Goes bad when something cannot be written.
     std::ostream& Stream() { return m_stream; }
 
-    // Puts it in its place. Throws CFailure when something of it could not be written.
+    // Puts it in its place, over what is there: a link that lies there is replaced, not followed.
+    // Throws CFailure when something of it could not be written; without Commit nothing is left.
     void Commit();
 
 private:
-    std::filesystem::path m_path;
-    std::filesystem::path m_made;
-    std::ofstream m_stream;
+    // What is written to a stream, on its way to the file.
+    class CBuffer : public std::streambuf {
+    public:
+        explicit CBuffer(const CNewFile& file);
+
+    private:
+        int sync() override;
+        int_type overflow(int_type character) override;
+
+        const CNewFile& m_file;
+        std::array<char, 1 << 16> m_bytes;
+    };
+
+    CNewFile m_file;
+    CBuffer m_buffer;
+    std::ostream m_stream;
 };
 
 } // namespace tsl

@@ -11,6 +11,8 @@ namespace tsl {
 
 namespace {
 
+DWORD g_alwaysShared = 0;
+
 HANDLE New(LPCWSTR path, DWORD access, DWORD share, DWORD flags) noexcept {
     // Never what is there, were it a link to nowhere.
     return CreateFileW(path, access, share, /*securityAttributes=*/nullptr, CREATE_NEW, flags,
@@ -28,6 +30,7 @@ bool IsJournal(LPCWSTR path) noexcept {
 // not try again.
 HANDLE WINAPI OpenForEngine(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
                             DWORD disposition, DWORD flags, HANDLE) noexcept {
+    share |= g_alwaysShared;
     if (disposition == CREATE_NEW) return New(path, access, share, flags);
     if (disposition == OPEN_EXISTING) return OpenPlain(path, access, share, flags, FileKind::File);
     // A journal is usually new, and its database is open beside it; a database is usually there.
@@ -123,7 +126,8 @@ constexpr int kMostBytesOfAStatement = 4 * 1024 * 1024;
 
 } // namespace
 
-int GuardFiles() noexcept {
+int GuardFiles(bool sharesDeletion) noexcept {
+    g_alwaysShared = sharesDeletion ? FILE_SHARE_DELETE : 0;
     g_system = sqlite3_vfs_find(/*name: the default*/ nullptr);
     if (!g_system || !g_system->xSetSystemCall) return SQLITE_ERROR;
     const int result = g_system->xSetSystemCall(

@@ -9,8 +9,9 @@ namespace tsl {
 // From now on the engine opens what is there by way of PlainFile.h, creates nothing behind a
 // link, knows no super-journals (their names are in files that anyone may write, and they are
 // deleted), and shares no memory with other processes. Returns the engine's result. For all
-// connections of the engine; once.
-int GuardFiles() noexcept;
+// connections of the engine; once. sharesDeletion: what is open can be moved and deleted by whoever
+// holds it too, as makers of new and of temporary databases do.
+int GuardFiles(bool sharesDeletion = false) noexcept;
 
 // Switches off what a schema can have the engine do on this connection: triggers, views, functions
 // in what the schema says or a statement asks, schemas that are edited, extensions, and values

@@ -75,16 +75,19 @@ OpenedFile OpenChecked(const std::wstring& path, DWORD access, DWORD shareMode, 
     }
 }
 
-OpenedFile OpenCheckedFolder(const std::wstring& path, DWORD access) {
-    return OpenExisting(path, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                        /*flags=*/0, FileKind::Folder);
+OpenedFile OpenCheckedFolder(const std::wstring& path, DWORD access, DWORD shareMode) {
+    return OpenExisting(path, access, shareMode, /*flags=*/0, FileKind::Folder);
 }
 
-HRESULT MoveOpened(const CHandle& file, const std::wstring& path) {
+bool IsBehindALink(const std::wstring& path) {
+    return !MayBeMade(path.c_str()) && GetLastError() == kRefusedError;
+}
+
+HRESULT MoveOpened(const CHandle& file, const std::wstring& path, WhatIsThere there) {
     const size_t bytes = path.size() * sizeof(wchar_t);
     std::vector<std::byte> room(sizeof(FILE_RENAME_INFO) + bytes);
     auto* const request = new (room.data()) FILE_RENAME_INFO{};
-    request->ReplaceIfExists = TRUE;
+    request->ReplaceIfExists = there == WhatIsThere::IsReplaced;
     request->FileNameLength = static_cast<DWORD>(bytes);
     std::memcpy(room.data() + offsetof(FILE_RENAME_INFO, FileName), path.data(), bytes);
     return SetFileInformationByHandle(file.Get(), FileRenameInfo, request,

@@ -26,12 +26,21 @@ struct OpenedFile {
 OpenedFile OpenChecked(const std::wstring& path, DWORD access, DWORD shareMode, DWORD disposition,
                        DWORD flags = 0);
 
-// Opens a folder that is there, to look at it or for its access list.
-OpenedFile OpenCheckedFolder(const std::wstring& path, DWORD access = 0);
+// Opens a folder that is there, to look at it or for its access list; or, with access to its list
+// and without FILE_SHARE_DELETE, so that nobody puts another in its place.
+OpenedFile OpenCheckedFolder(const std::wstring& path, DWORD access = 0,
+                             DWORD shareMode = FILE_SHARE_READ | FILE_SHARE_WRITE |
+                                               FILE_SHARE_DELETE);
 
-// Moves the opened file, over what is there. Readers find the old file or the new one. S_OK, or the
-// Win32 error with both files as they were. REQUIRES: opened with DELETE access.
-HRESULT MoveOpened(const CHandle& file, const std::wstring& path);
+// Whether what is or would be at the path lies behind a link that is not followed.
+bool IsBehindALink(const std::wstring& path);
+
+// Moves the opened file or folder, over a file that is there or only where there is nothing.
+// Readers find the old file or the new one. S_OK, or the Win32 error with both files as they were.
+// REQUIRES: opened with DELETE access.
+enum class WhatIsThere { IsReplaced, Stays };
+HRESULT MoveOpened(const CHandle& file, const std::wstring& path,
+                   WhatIsThere there = WhatIsThere::IsReplaced);
 
 // Takes the opened file away when it is closed, as far as it can be. REQUIRES: as above.
 void DiscardOpened(const CHandle& file) noexcept;

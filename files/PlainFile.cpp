@@ -162,7 +162,7 @@ private:
         std::memcpy(&bytes, path, sizeof bytes);
         std::memmove(path, reinterpret_cast<char*>(path) + offsetof(FILE_NAME_INFO, FileName),
                      bytes);
-        length = bytes / sizeof(wchar_t);
+        length = bytes / DWORD{sizeof(wchar_t)};
         return true;
     }
 

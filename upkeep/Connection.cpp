@@ -3,22 +3,25 @@
 #include <sqlite3.h>
 
 #include "console/Text.h"
+#include "engine/EngineGuard.h"
 
 namespace tsl {
 
 namespace {
 
-constexpr int kBusyMilliseconds = 3'000;
+// For all connections of the process, once.
+int GuardEngine() noexcept {
+    static const int result = GuardFiles(/*sharesDeletion=*/true);
+    return result;
+}
 
-int OpenFlags(Access access) noexcept {
-    switch (access) {
-    case Access::ReadOnly:
-        return SQLITE_OPEN_READONLY;
-    case Access::ReadWrite:
-        return SQLITE_OPEN_READWRITE;
-    default:
-        return SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-    }
+// Reads the schema while it may call no functions, so that one that does is refused. Only then may
+// our own statements.
+int LookAtSchema(sqlite3* connection, int mostArguments) noexcept {
+    const int result =
+        sqlite3_exec(connection, "SELECT 1 FROM sqlite_schema LIMIT 1", nullptr, nullptr, nullptr);
+    sqlite3_limit(connection, SQLITE_LIMIT_FUNCTION_ARG, mostArguments);
+    return result;
 }
 
 } // namespace
@@ -27,15 +30,25 @@ CSqliteError::CSqliteError(int result, const char* words)
     : std::runtime_error(RepairUtf8(words) + " (" + std::to_string(result & 0xFF) + ")"),
       m_result(result & 0xFF) {}
 
-CConnection::CConnection(const std::wstring& path, Access access) {
-    const int result = sqlite3_open_v2(ToUtf8(path).c_str(), &m_connection, OpenFlags(access),
-                                       /*vfs=*/nullptr);
-    if (result != SQLITE_OK) {
-        const CSqliteError error(result, sqlite3_errmsg(m_connection));
-        sqlite3_close(m_connection);
-        throw error;
-    }
-    sqlite3_busy_timeout(m_connection, kBusyMilliseconds);
+CConnection::CConnection(const std::wstring& path, Access access, int busyMilliseconds) {
+    const int result = Open(path, access, busyMilliseconds);
+    if (result == SQLITE_OK) return;
+    const CSqliteError error(result,
+                             m_connection ? sqlite3_errmsg(m_connection) : sqlite3_errstr(result));
+    sqlite3_close(m_connection);
+    throw error;
+}
+
+int CConnection::Open(const std::wstring& path, Access access, int busyMilliseconds) noexcept {
+    int result = GuardEngine();
+    if (result != SQLITE_OK) return result;
+    const int flags = access == Access::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    result = sqlite3_open_v2(ToUtf8(path).c_str(), &m_connection, flags, /*vfs=*/nullptr);
+    if (result != SQLITE_OK) return result;
+    sqlite3_busy_timeout(m_connection, busyMilliseconds);
+    const int mostArguments = sqlite3_limit(m_connection, SQLITE_LIMIT_FUNCTION_ARG, -1);
+    result = DistrustSchema(m_connection);
+    return result == SQLITE_OK ? LookAtSchema(m_connection, mostArguments) : result;
 }
 
 CConnection::~CConnection() {

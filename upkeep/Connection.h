@@ -28,12 +28,17 @@ private:
     int m_result;
 };
 
-enum class Access { ReadOnly, ReadWrite, Create };
+enum class Access { ReadOnly, ReadWrite };
 
 class CConnection {
 public:
-    // Waits up to 3 s for others who are in the file, as the component's own locks do.
-    CConnection(const std::wstring& path, Access access);
+    // As long as the component's own locks wait.
+    static constexpr int kBusyMilliseconds = 3'000;
+
+    // Opens a file that is there and waits so long for others who are in it. What the file says is
+    // not run: triggers and views are off, and one whose schema calls functions is refused, as it
+    // is by hosts. Links are not followed.
+    CConnection(const std::wstring& path, Access access, int busyMilliseconds = kBusyMilliseconds);
     CConnection(const CConnection&) = delete;
     CConnection& operator=(const CConnection&) = delete;
     ~CConnection();
@@ -47,6 +52,8 @@ public:
     INT64 Number(const std::string& query) const;
 
 private:
+    int Open(const std::wstring& path, Access access, int busyMilliseconds) noexcept;
+
     sqlite3* m_connection = nullptr;
 };
 

@@ -5,6 +5,7 @@
 #include "console/Text.h"
 #include "files/Paths.h"
 #include "store/SqliteResult.h"
+#include "upkeep/CheckedFiles.h"
 
 namespace tsl {
 
@@ -26,6 +27,7 @@ bool TellsOfDamage(int result) noexcept {
 } // namespace
 
 CFailure FailureOf(const char* operation, const std::wstring& database, const CSqliteError& error) {
+    if (IsLink(database)) return FailureToOpen(operation, database, {{}, E_ACCESSDENIED, true});
     if (FolderExists(database)) return Damaged(database, "a folder lies in its place");
     if (TellsOfDamage(error.Result())) {
         return CFailure(ExitCode::Damaged, std::string(operation) + " " + ToUtf8(database) + ": " +

@@ -9,8 +9,9 @@ namespace tsl::test {
 FileDatabase::FileDatabase(const std::filesystem::path& path, bool create) {
     const std::u8string utf8 = path.u8string();
     const int flags = SQLITE_OPEN_READWRITE | (create ? SQLITE_OPEN_CREATE : 0);
-    if (sqlite3_open_v2(reinterpret_cast<const char*>(utf8.c_str()), &m_database, flags, nullptr) !=
-        SQLITE_OK) {
+    if (sqlite3_open_v2(reinterpret_cast<const char*>(utf8.c_str()), &m_database, flags,
+                        // as the system has it, also where the process guards its engine
+                        "win32") != SQLITE_OK) {
         const std::string message = sqlite3_errmsg(m_database);
         sqlite3_close(m_database);
         throw std::runtime_error(message);

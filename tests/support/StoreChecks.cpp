@@ -33,10 +33,10 @@ int CountRows(const std::filesystem::path& database, const std::string& table) {
     return known == "0" ? 0 : std::stoi(file.Value("SELECT count(*) FROM " + table));
 }
 
-std::vector<std::filesystem::path> FilesInTheMaking() {
+std::vector<std::filesystem::path> FilesInTheMaking(const std::filesystem::path& folder) {
     std::vector<std::filesystem::path> found;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(StoreFolder(), error)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
         if (entry.path().extension() == L".new") found.push_back(entry.path());
     }
     return found;

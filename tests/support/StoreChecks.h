@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/StoreFixture.h"
+
 namespace tsl::test {
 
 inline constexpr char kActionLogRows[] = "TslIf_DbActionLog";
@@ -17,8 +19,10 @@ inline constexpr wchar_t kLogIdLock[] = L"Global\\TslIfDbActionLog_LogId";
 // How many rows a table has; 0 when there is no such table, or no such file.
 int CountRows(const std::filesystem::path& database, const std::string& table);
 
-// Files of the store that are to be moved into place when they are whole.
-std::vector<std::filesystem::path> FilesInTheMaking();
+// Files that are to be moved into place when they are whole; those of the store, unless another
+// folder is named.
+std::vector<std::filesystem::path>
+FilesInTheMaking(const std::filesystem::path& folder = StoreFolder());
 
 // Whether anyone has the mutex open.
 bool MutexExists(const wchar_t* name);

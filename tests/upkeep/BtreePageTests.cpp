@@ -26,6 +26,7 @@ protected:
         const CPageFile file(m_store.actionLog);
         CPageUse use(file.PageCount());
         const TableRoots tables = ReadTableRoots(file, use);
+        CPageUse overflow(file.PageCount());
         size_t rows = 0;
         size_t whole = 0;
         const auto root = tables.roots.find(table);
@@ -36,7 +37,7 @@ protected:
             whole += row.whole ? 1 : 0;
         };
         WalkTable(file, root->second, use, [&](const CBtreePage& page, UINT32) {
-            ForEachRow(file, page, /*isActionTable=*/true, count, unread);
+            ForEachRow(file, page, &overflow, /*isActionTable=*/true, count, unread);
             return true;
         });
         return {rows, whole};
@@ -110,7 +111,8 @@ TEST_F(BtreePage, SpoiledPagesAreReadWithinTheirBytes) {
         SpoilBytes(bytes, chance, 20);
         const CBtreePage page(bytes, number, file.Layout());
         page.Children();
-        ForEachRow(file, page, /*isActionTable=*/round % 2 == 0, count, unread);
+        CPageUse overflow(file.PageCount());
+        ForEachRow(file, page, &overflow, /*isActionTable=*/round % 2 == 0, count, unread);
     }
     EXPECT_GT(rows, 0u);
     EXPECT_GT(unread.rows, 0u);

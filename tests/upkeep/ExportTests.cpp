@@ -284,7 +284,7 @@ TEST_F(Export, FileThatCannotBeReplacedIsToldAndNothingIsLeftBeside) {
     const auto path = std::filesystem::temp_directory_path() / L"tslhost_export_folder";
     std::filesystem::create_directory(path);
     EXPECT_EQ(5, RunConsole(L"export --output \"" + path.wstring() + L"\"").exitCode);
-    EXPECT_FALSE(std::filesystem::exists(path.wstring() + L".new"));
+    EXPECT_TRUE(FilesInTheMaking(path.parent_path()).empty());
     std::filesystem::remove(path);
 }
 

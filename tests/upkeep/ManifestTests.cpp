@@ -1,5 +1,6 @@
 // The manifest of a backup, and the sums in it.
 #include "console/Failure.h"
+#include "console/NewFile.h"
 #include "tests/support/FullForm.h"
 #include "tests/support/StoreFixture.h"
 #include "tests/upkeep/BackupFixture.h"
@@ -48,7 +49,13 @@ TEST(Sum, OfAFileAndOfItsCopyIsThatOfItsBytes) {
         WriteBytes(from, bytes);
         const FileSum expected{size, Sha256Of(std::string(bytes.begin(), bytes.end()))};
         EXPECT_EQ(expected, SumOfFile(from.wstring(), Unheard));
-        EXPECT_EQ(expected, CopyAndSum(from.wstring(), to.wstring(), Unheard));
+        {
+            CNewFile copy(to.wstring());
+            EXPECT_EQ(expected, CopyAndSum(OpenUnchanging(from.wstring()), from.wstring(),
+                                           copy.File(), Unheard));
+            copy.Move();
+            copy.Keep();
+        }
         EXPECT_EQ(bytes, ReadBytes(to));
     }
     std::filesystem::remove(from);

@@ -3,6 +3,7 @@
 
 #include "tests/console/ConsoleRun.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/StoreChecks.h"
 #include "tests/upkeep/DamagedStore.h"
 #include "tests/upkeep/Markup.h"
 #include "upkeep/statistics/Calendar.h"
@@ -229,7 +230,7 @@ TEST_F(Report, CommandWritesThePageInPlaceOfAnOlderOne) {
         EXPECT_EQ("", ReadMarkup(std::string(page.begin(), page.end())).error);
         WriteBytes(Out(), Bytes(500'000, 'x'));
     }
-    EXPECT_FALSE(fs::exists(Out().wstring() + L".new"));
+    EXPECT_TRUE(FilesInTheMaking(Out().parent_path()).empty());
 }
 
 TEST_F(Report, MissingStoreIsNoPage) {
@@ -245,7 +246,7 @@ TEST_F(Report, PageThatCannotBeWrittenLeavesNothingBehind) {
     const ConsoleResult inPlaceOfFolder = RunReport();
     EXPECT_EQ(5, inPlaceOfFolder.exitCode);
     EXPECT_THAT(inPlaceOfFolder.errors, HasSubstr("tslhost: cannot write "));
-    EXPECT_FALSE(fs::exists(Out().wstring() + L".new"));
+    EXPECT_TRUE(FilesInTheMaking(Out().parent_path()).empty());
     EXPECT_EQ(5, RunConsole(L"report no\\such\\folder\\page.html").exitCode);
     EXPECT_EQ(2, RunConsole(L"report").exitCode);
 }

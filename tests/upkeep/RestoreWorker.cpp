@@ -13,13 +13,14 @@
 
 namespace {
 
-decltype(&MoveFileExW) g_move = nullptr;
+decltype(&SetFileInformationByHandle) g_set = nullptr;
 int g_movesLeft = 0;
 
-BOOL WINAPI MoveOrEnd(const wchar_t* from, const wchar_t* to, DWORD flags) {
+BOOL WINAPI MoveOrEnd(HANDLE file, FILE_INFO_BY_HANDLE_CLASS kind, void* what, DWORD size) {
     constexpr UINT kEndedHere = 77;
-    if (--g_movesLeft == 0) TerminateProcess(GetCurrentProcess(), kEndedHere);
-    return g_move(from, to, flags);
+    if (kind == FileRenameInfo && --g_movesLeft == 0)
+        TerminateProcess(GetCurrentProcess(), kEndedHere);
+    return g_set(file, kind, what, size);
 }
 
 } // namespace
@@ -29,8 +30,8 @@ int main() {
     const tsl::LocalMemory<wchar_t*> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
     if (count != 3) return 2;
     g_movesLeft = std::stoi(arguments.get()[2]);
-    g_move = &MoveFileExW;
-    const tsl::test::ImportHook hook("MoveFileExW", MoveOrEnd);
+    g_set = &SetFileInformationByHandle;
+    const tsl::test::ImportHook hook("SetFileInformationByHandle", MoveOrEnd);
     try {
         tsl::RestoreStore(arguments.get()[1], tsl::MachineStore(),
                           [](const std::string&, UINT64, UINT64) {});

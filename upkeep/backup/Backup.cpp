@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "console/Failure.h"
 #include "console/IsoTime.h"
 #include "console/Text.h"
+#include "upkeep/CheckedFiles.h"
 #include "upkeep/Connection.h"
 #include "upkeep/StoreFiles.h"
 #include "upkeep/StoreLock.h"
@@ -22,41 +24,57 @@ namespace fs = std::filesystem;
 
 constexpr char kCannotBackUp[] = "cannot back up";
 
-// The folder of a backup that is being made; goes with what was put into it unless it is kept.
+// The folder of a backup that is being made, and the files in it, held from the first to the last;
+// goes with what was put into it unless it is kept.
 class CNewBackup {
 public:
+    // REQUIRES: the folder's path does not end with a backslash.
     explicit CNewBackup(const std::wstring& folder) : m_folder(folder) {
         std::error_code error;
         const bool there = IsThere(folder);
         if (there && !(fs::is_directory(m_folder, error) && fs::is_empty(m_folder, error)))
             throw CFailure(ExitCode::Usage, ToUtf8(folder) + " is no empty folder");
-        fs::create_directories(m_folder, error);
-        if (!IsThere(folder))
-            throw CFailure(ExitCode::Denied,
-                           "cannot make " + ToUtf8(folder) + ": " + error.message());
-        m_made = !there;
+        fs::create_directories(m_folder.parent_path(), error);
+        m_made = !there && CreateDirectoryW(folder.c_str(), /*securityAttributes=*/nullptr);
+        const HRESULT result = HresultFromLastError();
+        // Nobody can put another in its place while it is held.
+        m_held = CHandle(CreateFileW(folder.c_str(), FILE_LIST_DIRECTORY,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                     /*securityAttributes=*/nullptr, OPEN_EXISTING,
+                                     FILE_FLAG_BACKUP_SEMANTICS, /*templateFile=*/nullptr));
+        if (!m_held || !(there || m_made)) throw CFailure("cannot make", folder, result);
     }
     CNewBackup(const CNewBackup&) = delete;
     CNewBackup& operator=(const CNewBackup&) = delete;
     ~CNewBackup() {
         if (m_kept) return;
-        for (const StoreFile& file : kStoreFiles) {
-            Remove(file.name);
-            for (const wchar_t* const suffix : kCompanionSuffixes)
-                Remove(std::wstring(file.name) + suffix);
-            Remove(std::wstring(file.name) + kLogIndexSuffix);
-        }
-        Remove(kManifestName);
-        Remove(kManifestName + std::wstring(L".new"));
+        for (const auto& [name, file] : m_files)
+            DiscardOpened(file);
+        m_files.clear();
+        m_held = CHandle();
         if (m_made) RemoveDirectoryW(m_folder.c_str());
+    }
+
+    // Makes a file, and nothing where one has been put meanwhile. Throws CFailure.
+    const CHandle& Make(const StoreFile& kind) {
+        const std::wstring path = (m_folder / kind.name).wstring();
+        OpenedFile opened = OpenChecked(path, GENERIC_READ | GENERIC_WRITE, kShareAll, CREATE_NEW);
+        if (!opened.file) throw FailureToOpen("cannot make", path, opened);
+        return m_files[kind.name] = std::move(opened.file);
+    }
+
+    // Null for one that was not made.
+    const CHandle* Find(const StoreFile& kind) const {
+        const auto found = m_files.find(kind.name);
+        return found == m_files.end() ? nullptr : &found->second;
     }
 
     void Keep() noexcept { m_kept = true; }
 
 private:
-    void Remove(const std::wstring& name) const { DeleteFileW((m_folder / name).c_str()); }
-
     fs::path m_folder;
+    CHandle m_held;
+    std::map<std::wstring, CHandle> m_files;
     bool m_made = false;
     bool m_kept = false;
 };
@@ -90,7 +108,7 @@ private:
 
     static std::unique_ptr<CConnection> Make(const std::wstring& path) {
         try {
-            auto copy = std::make_unique<CConnection>(path, Access::Create);
+            auto copy = std::make_unique<CConnection>(path, Access::ReadWrite);
             // It is brought to the disk when the locks are given back.
             copy->Execute("PRAGMA synchronous = OFF; PRAGMA journal_mode = OFF");
             return copy;
@@ -121,31 +139,36 @@ private:
     std::unique_ptr<CConnection> m_connection;
 };
 
+// Copies a text file, where there is one.
+void CopyText(const StoreFile& kind, const std::wstring& path, CNewBackup& backup,
+              const Progress& progress) {
+    OpenedFile opened = OpenChecked(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING);
+    if (IsMissing(opened)) return;
+    if (!opened.file) throw FailureToOpen(kCannotBackUp, path, opened);
+    CopyAndSum(opened.file, path, backup.Make(kind), progress);
+}
+
 // Both databases are fixed before the counter is read: no id of theirs is above it, even where a
 // host has given up waiting for the locks.
-void CopyUnderLocks(const StorePaths& store, const StorePaths& copies, const Progress& progress) {
+void CopyUnderLocks(const StorePaths& store, const StorePaths& copies, CNewBackup& backup,
+                    BackupManifest& manifest, const Progress& progress) {
     const CStoreLocks locks;
     const CUserIdListLock userIdListLock;
     std::vector<std::pair<CSnapshot, const StoreFile*>> snapshots;
     for (const StoreFile& file : kStoreFiles) {
         const std::wstring& path = file.In(store);
-        if (!IsThere(path)) continue;
-        if (file.isDatabase) {
+        if (!file.isDatabase) {
+            CopyText(file, path, backup, progress);
+        } else if (IsThere(path)) {
             snapshots.emplace_back(CSnapshot(path), &file);
-        } else {
-            CopyAndSum(path, file.In(copies), progress);
         }
     }
-    for (const auto& [snapshot, file] : snapshots)
+    UINT32 counter = 0;
+    if (SUCCEEDED(ReadCounter(store.counter, counter))) manifest.counter = counter;
+    for (const auto& [snapshot, file] : snapshots) {
+        backup.Make(*file);
         snapshot.CopyTo(file->In(copies), progress);
-}
-
-void Flush(const std::wstring& path) {
-    const CHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, /*shareMode=*/0,
-                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
-                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
-    if (!file || !FlushFileBuffers(file.Get()))
-        throw CFailure("cannot write", path, HresultFromLastError());
+    }
 }
 
 // The rows of each table that a component has made.
@@ -170,7 +193,10 @@ void CheckCopy(const std::wstring& copy, const std::wstring& path, BackupManifes
     } catch (const CSqliteError& error) {
         throw FailureOf(kCannotBackUp, path, error);
     }
-    Flush(copy);
+}
+
+void Flush(const CHandle& file, const std::wstring& path) {
+    if (!FlushFileBuffers(file.Get())) throw CFailure("cannot write", path, HresultFromLastError());
 }
 
 std::string Now() {
@@ -187,25 +213,25 @@ std::string Now() {
 BackupManifest BackUpStore(const StorePaths& store, const std::wstring& folder,
                            const std::string& maker, const Progress& progress) {
     const StorePaths copies = StoreIn(folder);
-    CNewBackup backup(folder);
+    CNewBackup backup(FolderOf(copies.actionLog));
     BackupManifest manifest;
     manifest.time = Now();
     manifest.maker = maker;
-    CopyUnderLocks(store, copies, progress);
+    CopyUnderLocks(store, copies, backup, manifest, progress);
     for (const StoreFile& file : kStoreFiles) {
         const std::wstring& copy = file.In(copies);
         const std::string name = ToUtf8(file.name);
-        if (!IsThere(copy)) {
+        const CHandle* const made = backup.Find(file);
+        if (!made) {
             manifest.absent.push_back(name);
             continue;
         }
         if (file.isDatabase) CheckCopy(copy, file.In(store), manifest);
-        manifest.files.push_back({name, SumOfFile(copy, progress)});
+        Flush(*made, copy);
+        manifest.files.push_back({name, SumOf(*made, copy, progress)});
     }
     if (manifest.files.empty())
         throw CFailure(ExitCode::NothingFound, "there is no store to back up");
-    UINT32 counter = 0;
-    if (SUCCEEDED(ReadCounter(copies.counter, counter))) manifest.counter = counter;
     WriteManifest(folder, manifest);
     backup.Keep();
     return manifest;

@@ -39,7 +39,10 @@ void Check(const std::wstring& path) {
 void Compact(CompactedFile& file) {
     file.sizeBefore = std::filesystem::file_size(file.path);
     try {
-        CConnection(file.path, Access::ReadWrite).Execute(kCompact);
+        const CConnection connection(file.path, Access::ReadWrite);
+        // The engine makes the new file in a database of its own.
+        sqlite3_limit(connection.Get(), SQLITE_LIMIT_ATTACHED, 1);
+        connection.Execute(kCompact);
     } catch (const CSqliteError& error) {
         if (error.Result() != SQLITE_FULL) throw FailureOf(kCannotCompact, file.path, error);
         throw CFailure(ExitCode::Denied, "cannot compact " + ToUtf8(file.path) +

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "base/Hresult.h"
 #include "console/Failure.h"
+#include "console/NewFile.h"
 #include "console/Text.h"
 #include "upkeep/StoreFiles.h"
 
@@ -97,14 +97,11 @@ BackupManifest ParseManifest(const std::string& text) {
 }
 
 void WriteManifest(const std::wstring& folder, const BackupManifest& manifest) {
-    const std::wstring path = (std::filesystem::path(folder) / kManifestName).wstring();
-    const std::wstring made = path + L".new";
-    std::ofstream output(std::filesystem::path(made), std::ios::binary);
-    output << ManifestText(manifest);
-    output.close();
-    if (!output) throw CFailure(ExitCode::Denied, "cannot write " + ToUtf8(made));
-    if (!MoveFileExW(made.c_str(), path.c_str(), MOVEFILE_WRITE_THROUGH))
-        throw CFailure("cannot write", path, HresultFromLastError());
+    const std::string text = ManifestText(manifest);
+    CNewFile file((std::filesystem::path(folder) / kManifestName).wstring());
+    file.Write(text.data(), text.size());
+    file.Move(WhatIsThere::Stays);
+    file.Keep();
 }
 
 BackupManifest ReadManifest(const std::wstring& folder) {

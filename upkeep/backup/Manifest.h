@@ -26,9 +26,8 @@ struct BackupManifest {
     std::vector<BackupFile> files;   // in the order of kStoreFiles
     std::vector<std::string> absent; // files that the store did not have
 
-    // For people; a restore does not need them.
-    std::vector<std::pair<std::string, INT64>> rows; // of each table
-    std::optional<UINT32> counter;                   // the record id handed out last
+    std::vector<std::pair<std::string, INT64>> rows; // of each table, for people
+    std::optional<UINT32> counter; // the record id handed out last, if it is known
 
     // Null when the backup has no such file.
     const BackupFile* Find(const std::wstring& name) const;

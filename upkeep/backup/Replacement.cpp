@@ -2,43 +2,18 @@
 
 #include <cstdio>
 #include <iterator>
+#include <memory>
 
-#include "base/Handle.h"
 #include "base/Hresult.h"
-#include "console/Failure.h"
 #include "files/AccessRights.h"
 #include "files/Paths.h"
+#include "upkeep/CheckedFiles.h"
+#include "upkeep/HeldFile.h"
 #include "upkeep/StoreFiles.h"
 
 namespace tsl {
 
 namespace {
-
-constexpr char kCannotReplace[] = "cannot replace";
-
-bool Move(const std::wstring& from, const std::wstring& to) noexcept {
-    constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    return MoveFileExW(from.c_str(), to.c_str(), kFlags) != 0;
-}
-
-void RequireMoved(const std::wstring& from, const std::wstring& to, const std::wstring& path) {
-    if (!Move(from, to)) throw CFailure(kCannotReplace, path, HresultFromLastError());
-}
-
-// The system says only "denied" when a file that is open is replaced.
-void RequireUnused(const std::wstring& path) {
-    const CHandle file(CreateFileW(path.c_str(), GENERIC_READ, /*shareMode=*/0,
-                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
-                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
-    if (!file) throw CFailure(kCannotReplace, path, HresultFromLastError());
-}
-
-// A second name for the file, or where the disk knows none, a copy.
-void KeepBeside(const std::wstring& path, const std::wstring& kept) {
-    if (CreateHardLinkW(kept.c_str(), path.c_str(), /*securityAttributes=*/nullptr)) return;
-    if (!CopyFileW(path.c_str(), kept.c_str(), /*failIfExists=*/TRUE))
-        throw CFailure("cannot keep", path, HresultFromLastError());
-}
 
 std::wstring DatedName() {
     SYSTEMTIME now{};
@@ -65,47 +40,69 @@ void CReplacement::MakeKeptFolder() {
             throw CFailure("cannot make", folder, HresultFromLastError());
         folder = dated + L"-" + std::to_wstring(another);
     }
-    GrantFolderAccess(folder);
+    OpenedFile opened = OpenCheckedFolder(folder, FILE_LIST_DIRECTORY | READ_CONTROL,
+                                          FILE_SHARE_READ | FILE_SHARE_WRITE);
+    if (!opened.file) throw FailureToOpen("cannot make", folder, opened);
+    GrantAccess(opened.file);
+    m_keptHeld = std::move(opened.file);
     m_keptFolder = folder;
 }
 
-CReplacement::Step& CReplacement::AddStep(const std::wstring& path) {
-    Step step{path, {}};
-    if (IsThere(path)) {
-        if (!FolderExists(path)) RequireUnused(path);
-        if (m_keptFolder.empty()) MakeKeptFolder();
-        step.kept = (std::filesystem::path(m_keptFolder) / NameOf(path)).wstring();
-    }
-    return m_steps.emplace_back(std::move(step));
+std::wstring CReplacement::KeptPathOf(const std::wstring& path) {
+    if (m_keptFolder.empty()) MakeKeptFolder();
+    return (std::filesystem::path(m_keptFolder) / NameOf(path)).wstring();
 }
 
-void CReplacement::Replace(const std::wstring& path, const std::wstring& made) {
-    if (FolderExists(path)) SetAside(path);
-    Step& step = AddStep(path);
-    if (!step.kept.empty()) KeepBeside(path, step.kept);
-    RequireMoved(made, path, path);
-    step.gone = true;
+void CReplacement::Replace(const std::wstring& path, CNewFile& made, Keep keep) {
+    if (keep == Keep::Moved || FolderExists(path)) {
+        SetAside(path);
+        made.Move(WhatIsThere::Stays);
+        m_placed.push_back(&made);
+        m_undo.emplace_back([&made] { return made.MoveBack(); });
+        return;
+    }
+    std::wstring kept;
+    {
+        const std::optional<CHeldFile> old = CHeldFile::Find(path);
+        if (old) {
+            kept = KeptPathOf(path);
+            old->CopyTo(kept);
+            m_undo.emplace_back([kept] {
+                DiscardFile(kept);
+                return true;
+            });
+        }
+    }
+    made.Move();
+    m_placed.push_back(&made);
+    m_undo.emplace_back([&made, path, kept] {
+        if (!made.MoveBack()) return false;
+        const std::optional<CHeldFile> old = kept.empty() ? std::nullopt : CHeldFile::Find(kept);
+        if (old) old->MoveTo(path);
+        return old || kept.empty();
+    });
 }
 
 void CReplacement::SetAside(const std::wstring& path) {
-    if (!IsThere(path)) return;
-    Step& step = AddStep(path);
-    RequireMoved(path, step.kept, path);
-    step.gone = true;
+    const auto old = std::make_shared<std::optional<CHeldFile>>(CHeldFile::Find(path));
+    if (!*old) return;
+    (*old)->MoveTo(KeptPathOf(path));
+    m_undo.emplace_back([old] { return (*old)->MoveBack(); });
+}
+
+void CReplacement::Finish() noexcept {
+    for (CNewFile* const made : m_placed)
+        made->Keep();
+    m_undo.clear();
 }
 
 bool CReplacement::TakeBack() noexcept {
     bool whole = true;
-    for (; !m_steps.empty(); m_steps.pop_back()) {
-        const Step& step = m_steps.back();
-        if (!step.gone) {
-            DeleteFileW(step.kept.c_str());
-        } else if (step.kept.empty()) {
-            whole = DeleteFileW(step.path.c_str()) && whole;
-        } else {
-            whole = Move(step.kept, step.path) && whole;
-        }
+    for (; !m_undo.empty(); m_undo.pop_back()) {
+        const HRESULT undone = AtBoundary([&] { return m_undo.back()() ? S_OK : E_FAIL; });
+        whole = SUCCEEDED(undone) && whole;
     }
+    m_keptHeld = CHandle();
     if (!m_keptFolder.empty() && RemoveDirectoryW(m_keptFolder.c_str())) m_keptFolder.clear();
     return whole;
 }

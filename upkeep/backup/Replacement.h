@@ -1,9 +1,12 @@
 // Puts files in the place of others such that all of it can be taken back, and such that a process
-// that ends meanwhile leaves under each name the old file or the new one, and the old one kept.
+// that ends meanwhile leaves both the old file and the new one.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
+
+#include "console/NewFile.h"
 
 namespace tsl {
 
@@ -17,14 +20,19 @@ public:
     // Takes all back unless it was finished.
     ~CReplacement();
 
+    // How the old file is kept. A copy leaves no moment without a file; what is large is moved away
+    // right before the new one comes, since a file has one name only.
+    enum class Keep { Copied, Moved };
+
     // Puts what was made for it in the place of the file, also where there is none yet; a folder
-    // that lies there counts as one. Throws CFailure, Locked where another program has it open.
-    void Replace(const std::wstring& path, const std::wstring& made);
+    // that lies there counts as one. The new file stays held until all is finished. Throws
+    // CFailure: Locked where another program has it open, Denied for a link.
+    void Replace(const std::wstring& path, CNewFile& made, Keep keep);
 
     // Moves the file away, where there is one.
     void SetAside(const std::wstring& path);
 
-    void Finish() noexcept { m_steps.clear(); }
+    void Finish() noexcept;
 
     // False when something could not be taken back: its old file is kept.
     bool TakeBack() noexcept;
@@ -33,18 +41,14 @@ public:
     const std::wstring& KeptFolder() const noexcept { return m_keptFolder; }
 
 private:
-    struct Step {
-        std::wstring path;
-        std::wstring kept; // empty where nothing was there
-        bool gone = false; // the old file is only where it is kept
-    };
-
+    std::wstring KeptPathOf(const std::wstring& path);
     void MakeKeptFolder();
-    Step& AddStep(const std::wstring& path);
 
     std::wstring m_folder;
     std::wstring m_keptFolder;
-    std::vector<Step> m_steps;
+    CHandle m_keptHeld; // nobody puts another folder in its place
+    std::vector<CNewFile*> m_placed;
+    std::vector<std::function<bool()>> m_undo; // of each step that was made
 };
 
 } // namespace tsl

@@ -1,11 +1,13 @@
 #include "upkeep/backup/Restore.h"
 
 #include <algorithm>
+#include <map>
 
 #include "console/Failure.h"
 #include "console/Text.h"
 #include "files/AccessRights.h"
 #include "files/Paths.h"
+#include "upkeep/CheckedFiles.h"
 #include "upkeep/StoreFiles.h"
 #include "upkeep/StoreLock.h"
 #include "upkeep/backup/Replacement.h"
@@ -35,42 +37,37 @@ BackupManifest Verify(const std::wstring& backup, const Progress& progress) {
     return manifest;
 }
 
+// Makes a folder of the store ready, where it is none of somebody else's. Throws CFailure.
+void Prepare(const std::wstring& folder) {
+    const GrantedFolder granted = PrepareFolder(folder);
+    if (!granted.opened.file) throw FailureToOpen("cannot write into", folder, granted.opened);
+}
+
 // The files of a backup, copied to where they only have to be renamed. What is not taken from here
 // is removed again.
 class CStagedFiles {
 public:
     CStagedFiles(const std::wstring& backup, const BackupManifest& manifest,
-                 const StorePaths& store, const Progress& progress)
-        : m_store(store) {
-        GrantFolderAccess(FolderOf(store.actionLog));
-        GrantFolderAccess(FolderOf(store.userIds));
+                 const StorePaths& store, const Progress& progress) {
+        Prepare(FolderOf(store.actionLog));
+        Prepare(FolderOf(store.userIds));
         const StorePaths files = StoreIn(backup);
-        try {
-            for (const StoreFile& kind : kStoreFiles) {
-                const BackupFile* const file = manifest.Find(kind.name);
-                if (!file) continue;
-                const std::wstring made = Of(kind);
-                Require(CopyAndSum(kind.In(files), made, progress), *file);
-                GrantFileAccess(made);
-            }
-        } catch (...) {
-            Remove();
-            throw;
+        for (const StoreFile& kind : kStoreFiles) {
+            const BackupFile* const file = manifest.Find(kind.name);
+            if (!file) continue;
+            const std::wstring& from = kind.In(files);
+            const auto made = m_files.try_emplace(kind.name, kind.In(store)).first;
+            const CHandle& copy = made->second.File();
+            Require(CopyAndSum(OpenUnchanging(from), from, copy, progress), *file);
+            GrantAccess(copy);
         }
     }
-    CStagedFiles(const CStagedFiles&) = delete;
-    CStagedFiles& operator=(const CStagedFiles&) = delete;
-    ~CStagedFiles() { Remove(); }
 
-    std::wstring Of(const StoreFile& kind) const { return kind.In(m_store) + L".restoring"; }
+    // REQUIRES: it is in the backup.
+    CNewFile& Of(const StoreFile& kind) { return m_files.at(kind.name); }
 
 private:
-    void Remove() const {
-        for (const StoreFile& kind : kStoreFiles)
-            DeleteFileW(Of(kind).c_str());
-    }
-
-    const StorePaths& m_store;
+    std::map<std::wstring, CNewFile> m_files;
 };
 
 std::optional<UINT32> CounterIn(const std::wstring& path) {
@@ -89,7 +86,7 @@ bool IsOfOlderForm(const BackupManifest& manifest) {
 
 class CRestoring {
 public:
-    CRestoring(const StorePaths& store, const CStagedFiles& staged, RestoreReport& report)
+    CRestoring(const StorePaths& store, CStagedFiles& staged, RestoreReport& report)
         : m_store(store), m_staged(staged), m_report(report),
           m_replacement(FolderOf(store.actionLog)) {}
 
@@ -121,10 +118,10 @@ private:
         m_report.counter = own;
         m_report.counterOfStore = own.has_value();
         if (!IsInBackup(kCounterFile)) return;
-        const std::wstring staged = m_staged.Of(kCounterFile);
-        const UINT32 saved = CounterIn(staged).value_or(0);
+        const UINT32 saved = m_report.manifest.counter.value_or(0);
         if (own && *own > saved) return;
-        m_replacement.Replace(m_store.counter, staged);
+        m_replacement.Replace(m_store.counter, m_staged.Of(kCounterFile),
+                              CReplacement::Keep::Copied);
         m_report.counter = saved;
         m_report.counterOfStore = false;
     }
@@ -144,7 +141,7 @@ private:
             m_replacement.SetAside(path + suffix);
         m_replacement.SetAside(path + kLogIndexSuffix);
         if (IsInBackup(kind)) {
-            m_replacement.Replace(path, m_staged.Of(kind));
+            m_replacement.Replace(path, m_staged.Of(kind), CReplacement::Keep::Moved);
         } else {
             m_replacement.SetAside(path);
         }
@@ -152,12 +149,13 @@ private:
 
     void RestoreUserIds() {
         m_report.userIdsOfStore = !IsInBackup(kUserIdFile);
-        if (!m_report.userIdsOfStore)
-            m_replacement.Replace(m_store.userIds, m_staged.Of(kUserIdFile));
+        if (m_report.userIdsOfStore) return;
+        m_replacement.Replace(m_store.userIds, m_staged.Of(kUserIdFile),
+                              CReplacement::Keep::Copied);
     }
 
     const StorePaths& m_store;
-    const CStagedFiles& m_staged;
+    CStagedFiles& m_staged;
     RestoreReport& m_report;
     CReplacement m_replacement;
 };
@@ -168,7 +166,7 @@ RestoreReport RestoreStore(const std::wstring& backup, const StorePaths& store,
                            const Progress& progress) {
     RestoreReport report;
     report.manifest = Verify(backup, progress);
-    const CStagedFiles staged(backup, report.manifest, store, progress);
+    CStagedFiles staged(backup, report.manifest, store, progress);
     const CStoreLocks locks;
     const CUserIdListLock userIdListLock;
     CRestoring(store, staged, report).Run();

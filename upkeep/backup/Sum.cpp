@@ -3,23 +3,19 @@
 #include <bcrypt.h>
 
 #include <array>
-#include <cstddef>
 #include <memory>
 #include <type_traits>
-#include <vector>
 
-#include "base/Handle.h"
 #include "base/Hresult.h"
 #include "base/SystemLibrary.h"
 #include "console/Failure.h"
 #include "console/Text.h"
+#include "upkeep/CheckedFiles.h"
 #include "upkeep/StoreFiles.h"
 
 namespace tsl {
 
 namespace {
-
-constexpr DWORD kBlockSize = 1 << 20;
 
 void RequireDone(NTSTATUS status) {
     if (status < 0) {
@@ -99,34 +95,21 @@ private:
     std::unique_ptr<void, HashDeleter> m_hash;
 };
 
-CHandle Open(const char* operation, const std::wstring& path, DWORD access, DWORD disposition) {
-    CHandle file(CreateFileW(path.c_str(), access, FILE_SHARE_READ, /*securityAttributes=*/nullptr,
-                             disposition, FILE_FLAG_SEQUENTIAL_SCAN, /*templateFile=*/nullptr));
-    if (!file) throw CFailure(operation, path, HresultFromLastError());
-    return file;
-}
-
 // Hands the blocks of a file to take and sums them.
 template <class Take>
-FileSum ReadBlocks(const std::wstring& path, const char* doing, const Progress& progress,
-                   const Take& take) {
-    const CHandle file = Open("cannot read", path, GENERIC_READ, OPEN_EXISTING);
+FileSum SumBlocks(const CHandle& file, const std::wstring& path, const char* doing,
+                  const Progress& progress, const Take& take) {
     LARGE_INTEGER whole{};
     GetFileSizeEx(file.Get(), &whole);
     const std::string what = doing + ToUtf8(NameOf(path));
-    std::vector<std::byte> block(kBlockSize);
     CSha256 sum;
     FileSum result;
-    for (;;) {
-        DWORD read = 0;
-        if (!ReadFile(file.Get(), block.data(), kBlockSize, &read, /*overlapped=*/nullptr))
-            throw CFailure("cannot read", path, HresultFromLastError());
-        if (read == 0) break;
-        sum.Add(block.data(), read);
-        take(block.data(), read);
-        result.size += read;
+    ReadBlocks(file, path, [&](const void* block, DWORD size) {
+        sum.Add(block, size);
+        take(block, size);
+        result.size += size;
         progress(what, result.size, static_cast<UINT64>(whole.QuadPart));
-    }
+    });
     result.sha256 = sum.Hexadecimal();
     return result;
 }
@@ -139,17 +122,29 @@ std::string Sha256Of(std::string_view bytes) {
     return sum.Hexadecimal();
 }
 
-FileSum SumOfFile(const std::wstring& path, const Progress& progress) {
-    return ReadBlocks(path, "summing ", progress, [](const std::byte*, DWORD) {});
+CHandle OpenUnchanging(const std::wstring& path) {
+    CHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ,
+                             /*securityAttributes=*/nullptr, OPEN_EXISTING,
+                             FILE_FLAG_SEQUENTIAL_SCAN, /*templateFile=*/nullptr));
+    if (!file) throw CFailure("cannot read", path, HresultFromLastError());
+    return file;
 }
 
-FileSum CopyAndSum(const std::wstring& from, const std::wstring& to, const Progress& progress) {
-    const CHandle copy = Open("cannot make", to, GENERIC_WRITE, CREATE_ALWAYS);
+FileSum SumOfFile(const std::wstring& path, const Progress& progress) {
+    return SumOf(OpenUnchanging(path), path, progress);
+}
+
+FileSum SumOf(const CHandle& file, const std::wstring& path, const Progress& progress) {
+    return SumBlocks(file, path, "summing ", progress, [](const void*, DWORD) {});
+}
+
+FileSum CopyAndSum(const CHandle& file, const std::wstring& path, const CHandle& copy,
+                   const Progress& progress) {
     const auto require = [&](bool done) {
-        if (!done) throw CFailure("cannot write", to, HresultFromLastError());
+        if (!done) throw CFailure("cannot write a copy of", path, HresultFromLastError());
     };
     const FileSum sum =
-        ReadBlocks(from, "copying ", progress, [&](const std::byte* block, DWORD size) {
+        SumBlocks(file, path, "copying ", progress, [&](const void* block, DWORD size) {
             DWORD written = 0;
             require(WriteFile(copy.Get(), block, size, &written, /*overlapped=*/nullptr) != 0);
         });

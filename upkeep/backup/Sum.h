@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/Handle.h"
 #include "upkeep/Progress.h"
 
 namespace tsl {
@@ -19,10 +20,19 @@ struct FileSum {
 
 std::string Sha256Of(std::string_view bytes);
 
-// Both throw CFailure, which names the file. Nobody may write the file meanwhile; one that somebody
-// writes cannot be opened.
+// Opens a file to read it while nobody writes it; one that somebody writes cannot be opened. Throws
+// CFailure, which names the file, as the others do.
+CHandle OpenUnchanging(const std::wstring& path);
+
+// Of a file that is there.
 FileSum SumOfFile(const std::wstring& path, const Progress& progress);
-// Replaces what is at the new place. The copy is on the disk afterwards.
-FileSum CopyAndSum(const std::wstring& from, const std::wstring& to, const Progress& progress);
+
+// Of an opened file; the path names it in messages.
+FileSum SumOf(const CHandle& file, const std::wstring& path, const Progress& progress);
+
+// Copies an opened file, which the path names, to the end of another. The copy is on the disk
+// afterwards.
+FileSum CopyAndSum(const CHandle& file, const std::wstring& path, const CHandle& copy,
+                   const Progress& progress);
 
 } // namespace tsl

@@ -7,6 +7,7 @@
 #include "console/Text.h"
 #include "files/Paths.h"
 #include "store/Schema.h"
+#include "upkeep/CheckedFiles.h"
 #include "upkeep/StorePaths.h"
 #include "upkeep/doctor/DatabaseHeader.h"
 #include "upkeep/doctor/ExaminedDatabase.h"
@@ -52,6 +53,12 @@ private:
 void CDatabaseTeller::Tell(std::optional<CStoreLock>& lock) {
     const FileLook file = LookAtFile(m_path, kDatabaseHeaderSize);
     if (!TellFile(file)) return;
+    for (const wchar_t* const suffix : kCompanionSuffixes) {
+        if (!IsLink(m_path + suffix)) continue;
+        m_ids.complete = false;
+        Add(TellLink(Subject(" journal"), m_path + suffix));
+        return;
+    }
     try {
         const bool writeAhead = JournalModeOf(file) == JournalMode::WriteAhead;
         const CExaminedDatabase database(m_path, writeAhead);
@@ -71,7 +78,13 @@ void CDatabaseTeller::Tell(std::optional<CStoreLock>& lock) {
 bool CDatabaseTeller::TellFile(const FileLook& file) {
     if (auto barred = WhatBars(file, Subject(), m_path)) Add(std::move(*barred));
     if (file.presence == Presence::Missing) {
-        Add(Odd(Subject(), "not there: no host has recorded yet, or it was removed"));
+        Add(MadeButNotMoved(m_path).empty()
+                ? Odd(Subject(), "not there: no host has recorded yet, or it was removed")
+                : Damaged(Subject(),
+                          "not there: the program that was to replace it was ended right between "
+                          "the old file and the new one",
+                          "tslhost restore again; after a recovery, end all hosts, give the latest "
+                          "damaged file its old name again, and tslhost recover"));
         return false;
     }
     if (file.presence != Presence::There) {

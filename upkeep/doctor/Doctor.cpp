@@ -11,6 +11,7 @@
 #include "upkeep/StoreFiles.h"
 #include "upkeep/doctor/CounterCheck.h"
 #include "upkeep/doctor/DatabaseCheck.h"
+#include "upkeep/doctor/FileLook.h"
 #include "upkeep/doctor/FolderCheck.h"
 #include "upkeep/doctor/InstallationCheck.h"
 #include "upkeep/doctor/LockCheck.h"
@@ -55,6 +56,18 @@ void CheckDatabases(const StorePaths& store, KnownIds& ids, Findings& findings) 
     check(store.replayLog, kReplayDatabase);
 }
 
+// Nobody reads what was not moved to its place; it only takes room.
+void TellRemains(const StorePaths& store, Findings& findings) {
+    for (const StoreFile& file : kStoreFiles) {
+        for (const std::wstring& name : MadeButNotMoved(file.In(store))) {
+            findings.push_back(Odd(ToUtf8(file.name),
+                                   ToUtf8(name) + " lies beside it: made by a program that is at "
+                                                  "work, or was ended before it was done",
+                                   "end all hosts, and delete it"));
+        }
+    }
+}
+
 } // namespace
 
 Findings Examine(const StorePaths& store, const std::wstring& pluginPath) {
@@ -77,6 +90,7 @@ Findings Examine(const StorePaths& store, const std::wstring& pluginPath) {
         findings.push_back(TellLock(lock, "LoginInfo lock"));
         CheckUserList(store.userIds, findings);
     });
+    Guard("store folder", findings, [&] { TellRemains(store, findings); });
     for (Finding& finding : findings)
         finding.text = RepairUtf8(finding.text);
     return findings;

@@ -5,32 +5,15 @@
 #include <optional>
 
 #include "upkeep/Connection.h"
+#include "upkeep/TemporaryDatabase.h"
 
 namespace tsl {
-
-// A copy of a database, with what belongs to it, in the folder for temporary files.
-class CTemporaryCopy {
-public:
-    // Throws CHresultError.
-    explicit CTemporaryCopy(const std::wstring& database);
-    CTemporaryCopy(const CTemporaryCopy&) = delete;
-    CTemporaryCopy& operator=(const CTemporaryCopy&) = delete;
-    ~CTemporaryCopy();
-
-    std::wstring Database() const;
-
-private:
-    void Add(const std::wstring& database, const wchar_t* ending) const;
-    void Remove() const noexcept;
-
-    std::wstring m_folder;
-};
 
 class CExaminedDatabase {
 public:
     // Nobody writes to the file from here to the end; where a copy is looked at, not even the lock
     // of the hosts is needed any more. One is made of a large file too, so that hosts need not wait
-    // for long. Throws CSqliteError for what the engine refuses, and CHresultError.
+    // for long. Throws CSqliteError for what the engine refuses, and CFailure.
     CExaminedDatabase(const std::wstring& path, bool alwaysCopy);
 
     const CConnection& Connection() const {
@@ -46,7 +29,7 @@ private:
     void OpenCopy(const std::wstring& path);
 
     // The connection goes before the copy.
-    std::optional<CTemporaryCopy> m_copy;
+    std::optional<CTemporaryDatabase> m_copy;
     std::optional<CConnection> m_connection;
     bool m_interrupted = false;
 };

@@ -2,25 +2,22 @@
 
 #include <algorithm>
 
-#include "base/Handle.h"
 #include "base/Hresult.h"
-#include "console/Failure.h"
 #include "console/Text.h"
 #include "files/Paths.h"
+#include "upkeep/CheckedFiles.h"
 
 namespace tsl {
 
 namespace {
 
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-CHandle Open(const std::wstring& path, DWORD access) {
+OpenedFile Open(const std::wstring& path, DWORD access) {
     constexpr int kAttempts = 10;
     constexpr DWORD kPauseMilliseconds = 50;
     for (int attempt = 1;; ++attempt) {
-        CHandle file(CreateFileW(path.c_str(), access, kShareAll, /*securityAttributes=*/nullptr,
-                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
-        if (file || GetLastError() != ERROR_SHARING_VIOLATION || attempt == kAttempts) return file;
+        OpenedFile opened = OpenChecked(path, access, kShareAll, OPEN_EXISTING);
+        const bool isInUse = opened.status == HresultFromWin32(ERROR_SHARING_VIOLATION);
+        if (opened.file || !isInUse || attempt == kAttempts) return opened;
         Sleep(kPauseMilliseconds);
     }
 }
@@ -43,7 +40,8 @@ DWORD WhyNotWritable(const std::wstring& path) {
     const DWORD attributes = GetFileAttributesW(path.c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0)
         return ERROR_ACCESS_DENIED;
-    return Open(path, GENERIC_WRITE) ? ERROR_SUCCESS : GetLastError();
+    const OpenedFile opened = Open(path, GENERIC_WRITE);
+    return opened.file ? ERROR_SUCCESS : static_cast<DWORD>(HRESULT_CODE(opened.status));
 }
 
 Presence PresenceAfterFailure(DWORD error) noexcept {
@@ -56,13 +54,19 @@ Presence PresenceAfterFailure(DWORD error) noexcept {
 FileLook LookAtFile(const std::wstring& path, size_t mostBytes) {
     FileLook look;
     if (FolderExists(path)) {
-        look.presence = Presence::Folder;
+        look.presence = OpenCheckedFolder(path).isRefused ? Presence::Link : Presence::Folder;
         return look;
     }
     {
-        const CHandle file = Open(path, GENERIC_READ);
-        if (!file || !Read(file.Get(), mostBytes, look)) {
-            look.error = GetLastError();
+        const OpenedFile opened = Open(path, GENERIC_READ);
+        if (opened.isRefused) {
+            look.presence = Presence::Link;
+            return look;
+        }
+        const bool isRead = opened.file && Read(opened.file.Get(), mostBytes, look);
+        if (!isRead) {
+            look.error =
+                opened.file ? GetLastError() : static_cast<DWORD>(HRESULT_CODE(opened.status));
             look.presence = PresenceAfterFailure(look.error);
             return look;
         }
@@ -73,9 +77,29 @@ FileLook LookAtFile(const std::wstring& path, size_t mostBytes) {
     return look;
 }
 
+std::vector<std::wstring> MadeButNotMoved(const std::wstring& path) {
+    std::vector<std::wstring> names;
+    WIN32_FIND_DATAW found{};
+    const HANDLE search = FindFirstFileW((path + L".{*}.new").c_str(), &found);
+    if (search == INVALID_HANDLE_VALUE) return names;
+    do {
+        names.emplace_back(found.cFileName);
+    } while (FindNextFileW(search, &found));
+    FindClose(search);
+    return names;
+}
+
+Finding TellLink(const std::string& subject, const std::wstring& path) {
+    return Damaged(subject,
+                   ToUtf8(path) + kIsALink +
+                       ", or lies behind a link: hosts refuse it, and nothing behind it was read",
+                   kRemoveTheLink);
+}
+
 std::optional<Finding> WhatBars(const FileLook& file, const std::string& subject,
                                 const std::wstring& path) {
     if (file.presence == Presence::Missing) return std::nullopt;
+    if (file.presence == Presence::Link) return TellLink(subject, path);
     if (file.presence == Presence::Folder) {
         return Damaged(subject, "a folder lies in its place",
                        "move the folder \"" + ToUtf8(path) + "\" away");

@@ -11,7 +11,8 @@
 
 namespace tsl {
 
-enum class Presence { There, Missing, Folder, Unreadable };
+// A link, or a file with a second name, is looked at no further.
+enum class Presence { There, Missing, Folder, Link, Unreadable };
 
 struct FileLook {
     Presence presence = Presence::Missing;
@@ -25,8 +26,14 @@ struct FileLook {
 // second at most.
 FileLook LookAtFile(const std::wstring& path, size_t mostBytes);
 
-// What bars the component from a file: a folder in its place, rights, another program. Nothing when
-// nothing does, or when there is no file.
+// Names of files that were made to be moved to the path, by a program that is at work or was ended.
+std::vector<std::wstring> MadeButNotMoved(const std::wstring& path);
+
+// What is to be done about a link in the place of the file or folder, which hosts refuse.
+Finding TellLink(const std::string& subject, const std::wstring& path);
+
+// What bars the component from a file: a folder or a link in its place, rights, another program.
+// Nothing when nothing does, or when there is no file.
 std::optional<Finding> WhatBars(const FileLook& file, const std::string& subject,
                                 const std::wstring& path);
 

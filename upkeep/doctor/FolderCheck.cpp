@@ -11,7 +11,9 @@
 #include "console/Failure.h"
 #include "console/Text.h"
 #include "files/AccessList.h"
+#include "files/CheckedOpen.h"
 #include "files/Paths.h"
+#include "upkeep/doctor/FileLook.h"
 
 namespace tsl {
 
@@ -27,12 +29,11 @@ bool NamesEveryone(PACL list) {
     return entries.Read(list) && entries.Names(everyone);
 }
 
-Rights RightsOn(const std::wstring& folder, DWORD& error) {
+Rights RightsOn(const CHandle& folder, DWORD& error) {
     PACL list = nullptr;
     PSECURITY_DESCRIPTOR read = nullptr;
-    error =
-        GetNamedSecurityInfoW(folder.c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
-                              /*owner=*/nullptr, /*group=*/nullptr, &list, /*sacl=*/nullptr, &read);
+    error = GetSecurityInfo(folder.Get(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION,
+                            /*owner=*/nullptr, /*group=*/nullptr, &list, /*sacl=*/nullptr, &read);
     const LocalMemory<std::remove_pointer_t<PSECURITY_DESCRIPTOR>> descriptor(read);
     if (error != ERROR_SUCCESS) return Rights::Unknown;
     // A folder without any list is open to all.
@@ -43,16 +44,25 @@ Rights RightsOn(const std::wstring& folder, DWORD& error) {
 
 void CheckFolder(const std::wstring& folder, const std::string& subject, Findings& findings) {
     const std::string path = ToUtf8(folder);
+    const OpenedFile opened = OpenCheckedFolder(folder, READ_CONTROL);
     if (!FolderExists(folder)) {
+        if (IsBehindALink(folder)) {
+            findings.push_back(TellLink(subject, folder));
+            return;
+        }
         findings.push_back(
             FileExists(folder)
                 ? Damaged(subject, "a file lies in the place of " + path, "move the file away")
                 : Odd(subject, path + " is not there: no host has made it yet"));
         return;
     }
-    DWORD error = ERROR_SUCCESS;
+    if (opened.isRefused) {
+        findings.push_back(TellLink(subject, folder));
+        return;
+    }
+    DWORD error = static_cast<DWORD>(HRESULT_CODE(opened.status));
     const std::string grant = "icacls \"" + path + "\" /grant *S-1-1-0:(OI)(CI)F";
-    switch (RightsOn(folder, error)) {
+    switch (opened.file ? RightsOn(opened.file, error) : Rights::Unknown) {
     case Rights::OpenToAll:
         findings.push_back(Fine(subject, path + ", Everyone is named in its rights"));
         break;

@@ -1,10 +1,13 @@
 #include "upkeep/recovery/DatabaseRecovery.h"
 
+#include <sqlite3.h>
+
 #include <algorithm>
 #include <filesystem>
 
-#include "console/Failure.h"
 #include "files/AccessRights.h"
+#include "files/Paths.h"
+#include "upkeep/CheckedFiles.h"
 #include "upkeep/WholeDatabase.h"
 #include "upkeep/recovery/DatabaseCondition.h"
 #include "upkeep/recovery/FileReplacement.h"
@@ -19,24 +22,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The database while it is made; deleted when it goes, unless it was moved into place.
-class CMadeFile {
-public:
-    explicit CMadeFile(std::wstring path) : m_path(std::move(path)) { Remove(); }
-    CMadeFile(const CMadeFile&) = delete;
-    CMadeFile& operator=(const CMadeFile&) = delete;
-    ~CMadeFile() { Remove(); }
-
-    const std::wstring& Path() const noexcept { return m_path; }
-
-private:
-    void Remove() const {
-        DeleteFileW(m_path.c_str());
-        DeleteFileW(JournalOf(m_path).c_str());
-    }
-
-    std::wstring m_path;
-};
+// The most that the rows of a file can hold: what says more counts bytes twice. Texts of the other
+// encodings may become half as long again.
+UINT64 MostBytesOfRows(const CPageFile& file) {
+    constexpr UINT32 kUtf8 = 1;
+    return file.Header().encoding == kUtf8 ? file.Size() : file.Size() + file.Size() / 2;
+}
 
 class CRecovery {
 public:
@@ -46,11 +37,13 @@ public:
 
     // Saves the rows of the source, if there is any, into the file.
     void Save(const CSourceFile* source, const std::wstring& made) {
-        CFreshDatabase fresh(made, m_tables);
+        std::optional<CPageFile> opened;
+        if (source) opened.emplace(source->Path());
+        CFreshDatabase fresh(made, m_tables, opened ? MostBytesOfRows(*opened) : 0);
         UINT32 handedOut = m_context.handedOut;
         PageRowsResult pages;
-        if (source) {
-            CPageFile file(source->Path());
+        if (opened) {
+            CPageFile& file = *opened;
             ChooseLayout(file);
             handedOut = std::max(handedOut, file.Header().mark);
             ReadBySql(*source, file, fresh);
@@ -72,14 +65,20 @@ private:
             connection.emplace(source.Path(), Access::ReadOnly);
             // A page whose cells do not lie in it is better read cell by cell.
             connection->Execute("PRAGMA cell_size_check = ON");
-        } catch (const CSqliteError&) {
+        } catch (const CSqliteError& error) {
+            if (error.Result() == SQLITE_BUSY || error.Result() == SQLITE_LOCKED) throw;
             return;
         }
         UINT64 rows = 0;
+        UINT64 bytes = 0;
+        const UINT64 mostBytes = MostBytesOfRows(file);
         const auto addTo = [&](CFoundTable& table) {
             return [&](const StoredRow& row) {
+                bytes += LeastStoredSize(row);
+                if (bytes > mostBytes) return false;
                 table.Add(row, RowSource::Sql);
                 Show(std::to_string(++rows) + " rows");
+                return true;
             };
         };
         ReadRowsBySql(*connection, m_tables.main, addTo(fresh.Main()));
@@ -123,12 +122,16 @@ DatabaseReport Recover(const std::wstring& path, const DatabaseTables& tables,
                        const RecoveryContext& context) {
     DatabaseReport report;
     report.path = path;
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    if (!fs::exists(status)) return report;
+    const bool isFolder = FolderExists(path);
+    const OpenedFile there = isFolder ? OpenCheckedFolder(path)
+                                      : OpenChecked(path, /*access=*/0, kShareAll, OPEN_EXISTING);
+    const bool isBehindALink = IsMissing(there) && IsBehindALink(path);
+    if (there.isRefused || isBehindALink)
+        throw FailureToOpen("cannot recover", path, {{}, E_ACCESSDENIED, /*isRefused=*/true});
+    if (IsMissing(there)) return report;
 
     std::optional<CSourceFile> source;
-    if (fs::is_directory(status)) {
+    if (isFolder) {
         report.damage = "a folder lies in its place";
     } else {
         source.emplace(path);
@@ -141,16 +144,21 @@ DatabaseReport Recover(const std::wstring& path, const DatabaseTables& tables,
         report.outcome = Outcome::Whole;
         return report;
     }
-    const CMadeFile made(context.options.dryRun ? TemporaryPath(L"recovered.db")
-                                                : NameWhileMade(path));
-    CRecovery(path, tables, context, report).Save(source ? &*source : nullptr, made.Path());
+    CRecovery recovery(path, tables, context, report);
+    report.outcome = Outcome::Recovered;
+    if (context.options.dryRun) {
+        const CTemporaryDatabase made;
+        recovery.Save(source ? &*source : nullptr, made.Path());
+        RequireWhole(made.Path(), tables);
+        return report;
+    }
+    CNewFile made(path);
+    recovery.Save(source ? &*source : nullptr, made.Path());
     source.reset();
     RequireWhole(made.Path(), tables);
-    report.outcome = Outcome::Recovered;
-    if (context.options.dryRun) return report;
-    GrantFileAccess(made.Path());
+    GrantAccess(made.File());
     report.keptAs = NameForKeeping(path, UtcNow());
-    ReplaceFileKeeping(path, made.Path(), report.keptAs);
+    ReplaceFileKeeping(path, made, report.keptAs);
     return report;
 }
 

@@ -45,14 +45,27 @@ bool IsFound(CQuery& query) {
 
 } // namespace
 
-CFoundTable::CFoundTable(const CConnection& fresh, std::string table)
+UINT64 LeastStoredSize(const StoredRow& row) noexcept {
+    // A pointer to the cell, two numbers, and the types of the values.
+    constexpr UINT64 kAround = 5;
+    UINT64 size = kAround + row.values.size();
+    for (const StoredValue& value : row.values) {
+        if (const auto* const text = std::get_if<std::string>(&value)) size += text->size();
+        if (const auto* const blob = std::get_if<BlobValue>(&value)) size += blob->bytes.size();
+    }
+    return size;
+}
+
+CFoundTable::CFoundTable(const CConnection& fresh, std::string table, UINT64& room)
     : m_fresh(fresh), m_table(std::move(table)), m_found(CreateFound(m_fresh, m_table)),
-      m_insert(m_fresh, InsertText(m_found)),
+      m_room(room), m_insert(m_fresh, InsertText(m_found)),
       m_sameRow(m_fresh, "SELECT 1 FROM " + m_found + " WHERE row = ? AND +v0 IS ?"),
       m_sameRecord(m_fresh, "SELECT 1 FROM " + m_found + " WHERE v0 IS ?") {}
 
 bool CFoundTable::Add(const StoredRow& row, RowSource source) {
-    if (HasRow(row)) return false;
+    const UINT64 size = LeastStoredSize(row);
+    if (size > m_room || HasRow(row)) return false;
+    m_room -= size;
     m_insert.Bind(row.rowId).Bind(static_cast<INT64>(source)).Bind(INT64{row.whole});
     for (const StoredValue& value : row.values)
         m_insert.BindValue(value);

@@ -7,6 +7,9 @@
 
 namespace tsl {
 
+// What a row takes up in a file at the least: a file of rows is not smaller than all of them.
+UINT64 LeastStoredSize(const StoredRow& row) noexcept;
+
 // Where a row was found; the engine is believed first.
 enum class RowSource { Sql, Page };
 
@@ -19,10 +22,11 @@ struct SavedRows {
 
 class CFoundTable {
 public:
-    // REQUIRES: the table is in the fresh database.
-    CFoundTable(const CConnection& fresh, std::string table);
+    // REQUIRES: the table is in the fresh database. Rows take up the room, which the caller keeps.
+    CFoundTable(const CConnection& fresh, std::string table, UINT64& room);
 
-    // Whether it is new: a row of the same row id and record id is one that was found before.
+    // Whether it is new and there is room for it: a row of the same row id and record id is one
+    // that was found before.
     bool Add(const StoredRow& row, RowSource source);
 
     // Whether there is such a row, and whether there is any row of the record id.
@@ -40,6 +44,7 @@ private:
     const CConnection& m_fresh;
     std::string m_table;
     std::string m_found; // the temporary table
+    UINT64& m_room;
     CQuery m_insert;
     CQuery m_sameRow;
     CQuery m_sameRecord;

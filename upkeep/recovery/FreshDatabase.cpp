@@ -17,12 +17,13 @@ CConnection& Begin(CConnection& connection, const std::string& table) {
 
 } // namespace
 
-CFreshDatabase::CFreshDatabase(const std::wstring& path, const DatabaseTables& tables)
-    : m_connection(path, Access::Create), m_tables(tables),
-      m_main(Begin(m_connection, m_tables.main), m_tables.main) {
+CFreshDatabase::CFreshDatabase(const std::wstring& path, const DatabaseTables& tables,
+                               UINT64 mostBytes)
+    : m_connection(path, Access::ReadWrite), m_tables(tables), m_room(mostBytes),
+      m_main(Begin(m_connection, m_tables.main), m_tables.main, m_room) {
     if (m_tables.kept.empty()) return;
     m_connection.Execute(CreateStatement(m_tables.kept));
-    m_kept.emplace(m_connection, m_tables.kept);
+    m_kept.emplace(m_connection, m_tables.kept, m_room);
 }
 
 void CFreshDatabase::AddLastId(INT64 currentRecordId, INT64 lastId) {

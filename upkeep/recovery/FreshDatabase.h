@@ -9,8 +9,8 @@ namespace tsl {
 
 class CFreshDatabase {
 public:
-    // Makes the file, which must not be there.
-    CFreshDatabase(const std::wstring& path, const DatabaseTables& tables);
+    // Fills the file, which must be empty. It takes no more rows than fit into so many bytes.
+    CFreshDatabase(const std::wstring& path, const DatabaseTables& tables, UINT64 mostBytes);
 
     CFoundTable& Main() { return m_main; }
     // Null where the database has no such table.
@@ -31,6 +31,7 @@ private:
 
     CConnection m_connection;
     DatabaseTables m_tables;
+    UINT64 m_room;
     CFoundTable m_main;
     std::optional<CFoundTable> m_kept;
     SavedRows m_savedInMain;

@@ -11,11 +11,13 @@ bool CopyLastIds(const CPageFile& file, const DatabaseTables& tables, CFreshData
     const auto root = roots.roots.find(tables.older);
     if (tables.older.empty() || root == roots.roots.end()) return false;
     bool isAny = false;
+    CPageUse overflow(file.PageCount());
     WalkTable(file, root->second, use, [&](const CBtreePage& page, UINT32) {
         for (size_t index = 0; index < page.CellCount(); ++index) {
             const std::optional<LeafCell> cell = page.Cell(index);
             bool isWhole = false;
-            const auto values = cell ? ReadCell(file, page, *cell, isWhole) : std::nullopt;
+            const auto values =
+                cell ? ReadCell(file, page, *cell, &overflow, isWhole) : std::nullopt;
             if (!values || !isWhole || values->size() != kRecordIdColumns.size()) continue;
             const auto* const row = std::get_if<INT64>(&(*values)[0]);
             const auto* const lastId = std::get_if<INT64>(&(*values)[1]);

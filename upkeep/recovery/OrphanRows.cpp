@@ -14,12 +14,13 @@ bool IsOfDeletion(const StoredRow& row) {
 
 } // namespace
 
-void COrphanRows::ForEachRowOf(const OrphanTree& tree, const RowSink& onRow, Unread& unread) const {
+void COrphanRows::ForEachRowOf(const OrphanTree& tree, CPageUse* overflow, const RowSink& onRow,
+                               Unread& unread) const {
     PageBytes bytes;
     for (const UINT32 leaf : tree.leaves) {
         if (!m_file.Read(leaf, bytes)) continue;
-        ForEachRow(m_file, CBtreePage(bytes, leaf, m_file.Layout()), /*isActionTable=*/false, onRow,
-                   unread);
+        ForEachRow(m_file, CBtreePage(bytes, leaf, m_file.Layout()), overflow,
+                   /*isActionTable=*/false, onRow, unread);
     }
 }
 
@@ -32,8 +33,9 @@ bool COrphanRows::BelongsToKept(const OrphanTree& tree) const {
     UINT64 known = 0;
     UINT64 deletions = 0;
     Unread ignored;
+    // Ids and names lie in the leaves.
     ForEachRowOf(
-        tree,
+        tree, /*overflow=*/nullptr,
         [&](const StoredRow& row) {
             ++rows;
             known += m_main.rows->HasRecord(row) ? 1 : 0;
@@ -54,7 +56,7 @@ bool COrphanRows::Add(const OrphanTree& tree) {
     CFoundTable* const known = BelongsToKept(tree) ? m_kept.rows : nullptr;
     if (m_mayBeFree && !m_main.hasGaps && !(known && m_kept.hasGaps)) return false;
     ForEachRowOf(
-        tree,
+        tree, &m_overflow,
         [&](const StoredRow& row) {
             if (!LooksLikeRecord(row)) {
                 ++m_unread.rows;

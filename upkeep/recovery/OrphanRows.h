@@ -15,8 +15,9 @@ struct TableRead {
 class COrphanRows {
 public:
     // mayBeFree: there are no more of them than free pages that are listed nowhere.
-    COrphanRows(const CPageFile& file, const TableRead& main, const TableRead& kept, bool mayBeFree)
-        : m_file(file), m_main(main), m_kept(kept), m_mayBeFree(mayBeFree) {}
+    COrphanRows(const CPageFile& file, CPageUse& overflow, const TableRead& main,
+                const TableRead& kept, bool mayBeFree)
+        : m_file(file), m_overflow(overflow), m_main(main), m_kept(kept), m_mayBeFree(mayBeFree) {}
 
     // Adds the rows of the tree to the main table, or to that of the kept records. False when they
     // are taken for deleted ones: the main table lacks nothing, and the pages may be free.
@@ -26,11 +27,13 @@ public:
     const Unread& Unreadable() const noexcept { return m_unread; }
 
 private:
-    void ForEachRowOf(const OrphanTree& tree, const RowSink& onRow, Unread& unread) const;
+    void ForEachRowOf(const OrphanTree& tree, CPageUse* overflow, const RowSink& onRow,
+                      Unread& unread) const;
     bool BelongsToKept(const OrphanTree& tree) const;
     CFoundTable& TableOf(const StoredRow& row) const;
 
     const CPageFile& m_file;
+    CPageUse& m_overflow; // pages of chains that rows have used
     TableRead m_main;
     TableRead m_kept;
     bool m_mayBeFree;

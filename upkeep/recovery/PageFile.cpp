@@ -4,23 +4,13 @@
 #include <bit>
 #include <string_view>
 
-#include "base/Hresult.h"
-#include "console/Failure.h"
+#include "upkeep/CheckedFiles.h"
 
 namespace tsl {
 
 namespace {
 
 constexpr std::string_view kMagic("SQLite format 3\0", 16);
-
-CHandle OpenForReading(const std::wstring& path) {
-    CHandle file(CreateFileW(path.c_str(), GENERIC_READ,
-                             FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                             /*securityAttributes=*/nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
-                             /*templateFile=*/nullptr));
-    if (!file) throw CFailure("cannot read", path, HresultFromLastError());
-    return file;
-}
 
 void ReadLayout(ByteView bytes, FileHeader& header) {
     constexpr UINT32 kSmallest = 512;
@@ -48,13 +38,15 @@ FileHeader ParseHeader(ByteView bytes) {
     header.pageCount = ReadBigEndian(bytes, 28, 4);
     header.firstFreeTrunk = ReadBigEndian(bytes, 32, 4);
     header.freeCount = ReadBigEndian(bytes, 36, 4);
+    header.encoding = ReadBigEndian(bytes, 56, 4);
     header.mark = ReadBigEndian(bytes, 60, 4);
     return header;
 }
 
 } // namespace
 
-CPageFile::CPageFile(const std::wstring& path) : m_file(OpenForReading(path)) {
+CPageFile::CPageFile(const std::wstring& path)
+    : m_file(OpenStoreFile("cannot read", path, GENERIC_READ, kShareAll)) {
     LARGE_INTEGER size{};
     GetFileSizeEx(m_file.Get(), &size);
     m_size = static_cast<UINT64>(size.QuadPart);

@@ -31,7 +31,8 @@ struct FileHeader {
     UINT32 pageCount = 0;
     UINT32 firstFreeTrunk = 0;
     UINT32 freeCount = 0;
-    UINT32 mark = 0; // the user version
+    UINT32 mark = 0;     // the user version
+    UINT32 encoding = 0; // of its texts: 1 is UTF-8
 };
 
 using PageBytes = std::vector<unsigned char>;
@@ -44,6 +45,8 @@ public:
     const FileHeader& Header() const noexcept { return m_header; }
     const PageLayout& Layout() const noexcept { return m_layout; }
     void SetLayout(const PageLayout& layout) noexcept;
+
+    UINT64 Size() const noexcept { return m_size; }
 
     // Pages are numbered from 1; the last one may be cut short.
     UINT32 PageCount() const noexcept { return m_pageCount; }

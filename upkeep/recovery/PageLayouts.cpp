@@ -12,6 +12,7 @@ size_t CountRecords(CPageFile& file, const PageLayout& layout) {
     constexpr UINT32 kMostPages = 500;
     file.SetLayout(layout);
     size_t records = 0;
+    CPageUse overflow(file.PageCount());
     PageBytes bytes;
     Unread ignored;
     for (UINT32 page = 2; page <= std::min(file.PageCount(), kMostPages); ++page) {
@@ -19,7 +20,7 @@ size_t CountRecords(CPageFile& file, const PageLayout& layout) {
         const CBtreePage leaf(bytes, page, layout);
         if (leaf.Kind() != PageKind::Leaf) continue;
         ForEachRow(
-            file, leaf, /*isActionTable=*/false,
+            file, leaf, &overflow, /*isActionTable=*/false,
             [&](const StoredRow& row) { records += row.whole ? 1 : 0; }, ignored);
     }
     return records;

@@ -14,7 +14,7 @@ class CPageRows {
 public:
     CPageRows(const CPageFile& file, const PageProgress& onProgress)
         : m_file(file), m_onProgress(onProgress), m_use(file.PageCount()),
-          m_roots(ReadTableRoots(file, m_use)) {}
+          m_overflow(file.PageCount()), m_roots(ReadTableRoots(file, m_use)) {}
 
     TableRead ReadOwnPages(CFoundTable* rows, const std::string& name, Unread& unread) {
         if (!rows) return {};
@@ -23,7 +23,7 @@ public:
         const TreeWalk walk =
             WalkTable(m_file, root->second, m_use, [&](const CBtreePage& page, UINT32) {
                 CountPage();
-                return AddRows(m_file, page, *rows, unread);
+                return AddRows(m_file, page, m_overflow, *rows, unread);
             });
         unread.pages += walk.unreadablePages;
         return {rows, walk.hasGaps};
@@ -40,7 +40,7 @@ public:
         const UINT64 freePages = m_file.Header().freeCount;
         const UINT64 unlisted = freePages - std::min<UINT64>(freePages, free.pages.size());
         const bool mayBeFree = !free.isWhole && pages <= unlisted;
-        COrphanRows orphans(m_file, main, kept, mayBeFree);
+        COrphanRows orphans(m_file, m_overflow, main, kept, mayBeFree);
         for (const OrphanTree& tree : trees) {
             const bool isAdded = orphans.Add(tree);
             (isAdded ? result.orphanPages : result.skippedPages) += tree.leaves.size();
@@ -59,6 +59,7 @@ private:
     const CPageFile& m_file;
     const PageProgress& m_onProgress;
     CPageUse m_use;
+    CPageUse m_overflow; // pages of chains that rows have used
     TableRoots m_roots;
     UINT64 m_pages = 0;
 };

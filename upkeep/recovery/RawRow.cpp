@@ -1,7 +1,6 @@
 #include "upkeep/recovery/RawRow.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace tsl {
 
@@ -19,14 +18,16 @@ bool FitsColumn(const StoredValue& value, const Column& column) {
 
 } // namespace
 
-PageBytes ReadPayload(const CPageFile& file, const CBtreePage& page, const LeafCell& cell) {
+PageBytes ReadPayload(const CPageFile& file, const CBtreePage& page, const LeafCell& cell,
+                      CPageUse* overflow) {
     const ByteView local = page.From(cell).first(cell.localSize);
     PageBytes payload(local.begin(), local.end());
     const UINT64 size = std::min(cell.payloadSize, kLargestPayload);
-    std::unordered_set<UINT32> seen;
+    if (!overflow) return payload;
     PageBytes bytes;
     UINT32 next = cell.overflowPage;
-    while (payload.size() < size && seen.insert(next).second && file.Read(next, bytes)) {
+    while (payload.size() < size && file.Read(next, bytes) && !overflow->IsUsed(next)) {
+        overflow->Use(next);
         if (bytes.size() <= sizeof next) break;
         const size_t end = std::min<size_t>(bytes.size(), file.Layout().usable);
         const size_t count = std::min<size_t>(end - sizeof next, size - payload.size());
@@ -38,7 +39,8 @@ PageBytes ReadPayload(const CPageFile& file, const CBtreePage& page, const LeafC
 }
 
 std::optional<std::vector<StoredValue>> ReadCell(const CPageFile& file, const CBtreePage& page,
-                                                 const LeafCell& cell, bool& isWhole) {
+                                                 const LeafCell& cell, CPageUse* overflow,
+                                                 bool& isWhole) {
     const ByteView room = page.From(cell);
     const std::optional<RecordHeader> header = ReadRecordHeader(room);
     if (!header) return {};
@@ -47,16 +49,17 @@ std::optional<std::vector<StoredValue>> ReadCell(const CPageFile& file, const CB
     const bool isSound = size == cell.payloadSize;
     const LeafCell fitted = isSound || size > room.size() ? cell : page.Resized(cell, size);
     std::vector<StoredValue> values =
-        ReadRecordValues(*header, ReadPayload(file, page, fitted), isWhole);
+        ReadRecordValues(*header, ReadPayload(file, page, fitted, overflow), isWhole);
     isWhole = isWhole && isSound && header->isSound;
     return values;
 }
 
 std::optional<StoredRow> ReadRow(const CPageFile& file, const CBtreePage& page,
-                                 const LeafCell& cell, bool isActionTable) {
+                                 const LeafCell& cell, CPageUse* overflow, bool isActionTable) {
     StoredRow row;
     row.rowId = cell.rowId;
-    std::optional<std::vector<StoredValue>> values = ReadCell(file, page, cell, row.whole);
+    std::optional<std::vector<StoredValue>> values =
+        ReadCell(file, page, cell, overflow, row.whole);
     if (!values) return {};
     const bool isWide = values->size() == row.values.size();
     if (!isWide && !isActionTable) return {};

@@ -2,9 +2,9 @@
 // that was interrupted is taken back.
 #pragma once
 
-#include <string>
+#include <optional>
 
-#include "upkeep/StorePaths.h"
+#include "upkeep/TemporaryDatabase.h"
 
 namespace tsl {
 
@@ -12,20 +12,12 @@ class CSourceFile {
 public:
     // Copies into the temporary folder only where a change is pending. Throws CFailure.
     explicit CSourceFile(const std::wstring& database);
-    CSourceFile(const CSourceFile&) = delete;
-    CSourceFile& operator=(const CSourceFile&) = delete;
-    // Deletes the copy.
-    ~CSourceFile();
 
-    const std::wstring& Path() const noexcept { return m_path; }
-    bool IsCopy() const noexcept { return m_isCopy; }
+    const std::wstring& Path() const noexcept { return m_copy ? m_copy->Path() : m_path; }
 
 private:
     std::wstring m_path;
-    bool m_isCopy = false;
+    std::optional<CTemporaryDatabase> m_copy;
 };
-
-// A path in the temporary folder that no other process uses.
-std::wstring TemporaryPath(const std::wstring& name);
 
 } // namespace tsl

@@ -18,7 +18,7 @@ constexpr INT64 kHighest = std::numeric_limits<INT64>::max();
 
 class CTableReader {
 public:
-    CTableReader(const CConnection& damaged, const std::string& table, const RowSink& onRow)
+    CTableReader(const CConnection& damaged, const std::string& table, const RowReader& onRow)
         : m_damaged(damaged), m_table(table), m_onRow(onRow) {}
 
     void Read() {
@@ -62,8 +62,8 @@ private:
         return ReadOn("rowid > ? AND rowid <= ? ORDER BY rowid DESC", above, kHighest, /*sign=*/-1);
     }
 
-    // Hands on rows until their end; false when something is damaged before it. Row ids that do not
-    // follow each other are damage too.
+    // Hands on rows until their end, or as long as they are wanted; false when something is damaged
+    // before it. Row ids that do not follow each other are damage too.
     bool ReadOn(const std::string& which, INT64 above, INT64 below, int sign) {
         bool isInOrder = true;
         std::optional<CQuery> query;
@@ -83,7 +83,7 @@ private:
             isInOrder = !last || (sign > 0 ? row.rowId > *last : row.rowId < *last);
             if (!isInOrder || row.rowId <= above) return false;
             m_last = row.rowId;
-            m_onRow(row);
+            if (!m_onRow(row)) return true;
         }
         return false;
     }
@@ -111,13 +111,13 @@ private:
 
     const CConnection& m_damaged;
     const std::string& m_table;
-    const RowSink& m_onRow;
+    const RowReader& m_onRow;
     std::optional<INT64> m_last; // row id handed on last
 };
 
 } // namespace
 
-void ReadRowsBySql(const CConnection& damaged, const std::string& table, const RowSink& onRow) {
+void ReadRowsBySql(const CConnection& damaged, const std::string& table, const RowReader& onRow) {
     CTableReader(damaged, table, onRow).Read();
 }
 

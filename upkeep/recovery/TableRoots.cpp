@@ -25,11 +25,13 @@ bool AddRoot(const std::vector<StoredValue>& values, std::map<std::string, UINT3
 
 TableRoots ReadTableRoots(const CPageFile& file, CPageUse& use) {
     TableRoots tables;
+    CPageUse overflow(file.PageCount());
     const TreeWalk walk = WalkTable(file, kSchemaPage, use, [&](const CBtreePage& page, UINT32) {
         for (size_t index = 0; index < page.CellCount(); ++index) {
             bool isWhole = false;
             const std::optional<LeafCell> cell = page.Cell(index);
-            const auto values = cell ? ReadCell(file, page, *cell, isWhole) : std::nullopt;
+            const auto values =
+                cell ? ReadCell(file, page, *cell, &overflow, isWhole) : std::nullopt;
             if (!values || !AddRoot(*values, tables.roots)) tables.isWhole = false;
         }
         return !tables.roots.empty();

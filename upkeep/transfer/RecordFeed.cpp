@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <set>
 
-#include "base/Handle.h"
 #include "base/Hresult.h"
 #include "console/Text.h"
 #include "store/Schema.h"
+#include "upkeep/CheckedFiles.h"
 #include "upkeep/StoreLock.h"
 #include "upkeep/TableReading.h"
 #include "upkeep/WholeDatabase.h"
@@ -25,11 +25,9 @@ constexpr size_t kLatest = 256;
 // interrupted and that only a host rolls back, an I/O error, a file that has gone.
 constexpr int kPassing[] = {5, 6, 8, 10, 14};
 
-bool IsMissing(DWORD error) noexcept {
-    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
-}
-bool IsPassing(DWORD error) noexcept {
-    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+bool IsPassing(HRESULT result) noexcept {
+    return result == HresultFromWin32(ERROR_SHARING_VIOLATION) ||
+           result == HresultFromWin32(ERROR_LOCK_VIOLATION);
 }
 
 std::string TableOfRecords() {
@@ -94,16 +92,11 @@ UINT32 HighestOf(const std::vector<ExportedRecord>& records) {
 } // namespace
 
 std::optional<DatabaseMark> ReadDatabaseMark(const std::wstring& database) {
-    const CHandle file(CreateFileW(database.c_str(), GENERIC_READ,
-                                   FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                   /*securityAttributes=*/nullptr, OPEN_EXISTING,
-                                   FILE_ATTRIBUTE_NORMAL, /*templateFile=*/nullptr));
-    if (!file) {
-        const DWORD error = GetLastError();
-        if (IsMissing(error)) return DatabaseMark();
-        if (IsPassing(error)) return std::nullopt;
-        throw CFailure("cannot read", database, HresultFromWin32(error));
-    }
+    const OpenedFile opened = OpenChecked(database, GENERIC_READ, kShareAll, OPEN_EXISTING);
+    if (IsMissing(opened)) return DatabaseMark();
+    if (IsPassing(opened.status)) return std::nullopt;
+    if (!opened.file) throw FailureToOpen("cannot read", database, opened);
+    const CHandle& file = opened.file;
     BY_HANDLE_FILE_INFORMATION about{};
     if (!GetFileInformationByHandle(file.Get(), &about)) return std::nullopt;
     DatabaseMark mark;
@@ -124,7 +117,10 @@ std::vector<ExportedRecord> CRecordFeed::Look() {
     if (m_mark && mark->fileIndex != m_mark->fileIndex) m_latest.reset(); // another file
     try {
         const CDatabaseLock lock;
-        if (mark->size > 0) return LookInto(CConnection(m_database, Access::ReadOnly));
+        if (mark->size > 0) {
+            // Who waits for the lock must not wait for those too who are in the file without it.
+            return LookInto(CConnection(m_database, Access::ReadOnly, /*busyMilliseconds=*/0));
+        }
     } catch (const CSqliteError& error) {
         if (std::ranges::find(kPassing, error.Result()) != std::end(kPassing)) return {};
         throw FailureOf("cannot read", m_database, error);
@@ -137,8 +133,7 @@ std::vector<ExportedRecord> CRecordFeed::Look() {
 }
 
 std::vector<ExportedRecord> CRecordFeed::LookInto(const CConnection& connection) {
-    // Who waits for the lock must not wait for those too who are in the file without it.
-    connection.Execute("PRAGMA busy_timeout = 0; BEGIN");
+    connection.Execute("BEGIN");
     const bool hasTable = HasTable(connection, TableOfRecords());
     // Nobody writes until the transaction ends: the mark is that of what is read.
     const std::optional<DatabaseMark> mark = ReadDatabaseMark(m_database);
