@@ -31,11 +31,15 @@ public:
         return m_state == LockState::Free || m_state == LockState::Abandoned;
     }
     ULONGLONG WaitedMilliseconds() const noexcept { return m_waited; }
+    // Whether its maker has kept rights to himself: hosts of others may be unable to open it, and
+    // go on without it then. What it takes to wait for it was left, unless it is unusable.
+    bool IsRestricted() const noexcept { return m_isRestricted; }
 
 private:
     CHandle m_mutex;
     LockState m_state = LockState::Unusable;
     ULONGLONG m_waited = 0;
+    bool m_isRestricted = false;
 };
 
 // The lock of the databases alone: for whoever only reads or writes records. Waits as long as the

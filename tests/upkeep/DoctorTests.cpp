@@ -3,8 +3,11 @@
 
 #include <sddl.h>
 
+#include "base/NamedMutex.h"
+#include "console/Failure.h"
 #include "files/UserIdList.h"
 #include "tests/support/FileDatabase.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/LockWaits.h"
 #include "tests/support/MutexHolder.h"
 #include "tests/support/StoreChecks.h"
@@ -18,6 +21,16 @@ namespace fs = std::filesystem;
 namespace {
 
 using Doctor = DoctorTest;
+
+HANDLE WINAPI DeniedOpening(DWORD, BOOL, const wchar_t*) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return nullptr;
+}
+
+HANDLE WINAPI DeniedMutex(SECURITY_ATTRIBUTES*, BOOL, const wchar_t*) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return nullptr;
+}
 
 TEST_F(Doctor, SaysThatAWholeStoreIsWhole) {
     const Findings findings = ExamineUnchanged();
@@ -144,6 +157,33 @@ TEST_F(Doctor, EachLockIsWaitedForNoLongerThanItMay) {
         EXPECT_WARNING(TellLock(lock, "lock"), "held by another process for the whole wait of ");
         EXPECT_GE(lock.WaitedMilliseconds(), 150u);
         EXPECT_LT(lock.WaitedMilliseconds(), 2000u);
+    }
+}
+
+// A mutex whose maker has kept all rights to himself but that to wait for it. The system gives them
+// to the user of the tests whatever the mutex says, so the call is made to fail.
+TEST_F(Doctor, LockThatWasMadeWithRestrictedRightsIsToldAndTakenAllTheSame) {
+    const CHandle mutex = OpenSharedMutex(kSqliteAccessLock);
+    ASSERT_TRUE(mutex);
+    const ImportHook hook("CreateMutexW", DeniedMutex);
+    EXPECT_WARNING(Worst("SQLiteAccess lock"), "made with restricted rights");
+    EXPECT_OK(Worst("ualog.db"));
+    {
+        const CDatabaseLock lock;
+        EXPECT_FALSE(MutexIsFree(kSqliteAccessLock));
+    }
+    EXPECT_TRUE(MutexIsFree(kSqliteAccessLock)) << "not given back";
+}
+
+TEST_F(Doctor, LockThatCannotBeOpenedAtAllNamesNoOtherProcess) {
+    const ImportHook making("CreateMutexW", DeniedMutex);
+    const ImportHook opening("OpenMutexW", DeniedOpening);
+    try {
+        const CDatabaseLock lock;
+        ADD_FAILURE() << "there is none";
+    } catch (const CFailure& failure) {
+        EXPECT_EQ(ExitCode::Denied, failure.Code());
+        EXPECT_EQ(std::string::npos, std::string(failure.what()).find("another process"));
     }
 }
 

@@ -4,6 +4,14 @@ namespace tsl {
 
 Finding TellLock(const CStoreLock& lock, const std::string& subject) {
     const std::string waited = std::to_string(lock.WaitedMilliseconds()) + " ms";
+    if (lock.IsRestricted()) {
+        return Odd(
+            subject,
+            std::string("made with restricted rights: hosts that may not open it work "
+                        "without it") +
+                (lock.State() == LockState::Held ? "; held for the whole wait of " + waited : ""),
+            "find the program that made it so; end all hosts once");
+    }
     switch (lock.State()) {
     case LockState::Free:
         return Fine(subject, "free; waited " + waited);
