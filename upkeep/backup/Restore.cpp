@@ -39,8 +39,9 @@ BackupManifest Verify(const std::wstring& backup, const Progress& progress) {
 
 // Makes a folder of the store ready, where it is none of somebody else's. Throws CFailure.
 void Prepare(const std::wstring& folder) {
-    const GrantedFolder granted = PrepareFolder(folder);
-    if (!granted.opened.file) throw FailureToOpen("cannot write into", folder, granted.opened);
+    PrepareFolder(folder);
+    const OpenedFile opened = OpenCheckedFolder(folder);
+    if (!opened.file) throw FailureToOpen("cannot write into", folder, opened);
 }
 
 // The files of a backup, copied to where they only have to be renamed. What is not taken from here

@@ -80,7 +80,7 @@ FileLook LookAtFile(const std::wstring& path, size_t mostBytes) {
 std::vector<std::wstring> MadeButNotMoved(const std::wstring& path) {
     std::vector<std::wstring> names;
     WIN32_FIND_DATAW found{};
-    const HANDLE search = FindFirstFileW((path + L".{*}.new").c_str(), &found);
+    const HANDLE search = FindFirstFileW((path + L".*.new").c_str(), &found);
     if (search == INVALID_HANDLE_VALUE) return names;
     do {
         names.emplace_back(found.cFileName);
