@@ -36,6 +36,19 @@ CFailure FailureOf(const char* operation, const std::wstring& database, const CS
     return CFailure(operation, database, SqliteResultToHresult(error.Result()));
 }
 
+Access AccessToRead(const std::wstring& database) {
+    constexpr DWORD kReadVersionOffset = 19;
+    constexpr unsigned char kLog = 2;
+    unsigned char version = 0;
+    DWORD read = 0;
+    const OpenedFile opened = OpenChecked(database, GENERIC_READ, kShareAll, OPEN_EXISTING);
+    if (opened.file) {
+        SetFilePointer(opened.file.Get(), kReadVersionOffset, nullptr, FILE_BEGIN);
+        ReadFile(opened.file.Get(), &version, sizeof version, &read, /*overlapped=*/nullptr);
+    }
+    return version == kLog ? Access::ReadWrite : Access::ReadOnly;
+}
+
 void RequireWhole(const CConnection& connection, const std::wstring& database) {
     CQuery check(connection, "PRAGMA integrity_check(1)");
     const std::string found = check.Step() ? check.Text(0).value_or("") : "";

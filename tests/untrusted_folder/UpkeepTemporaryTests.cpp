@@ -66,6 +66,19 @@ TEST_F(UpkeepTemporary, PlacesThatCouldBeGuessedAreLeftAlone) {
     }
 }
 
+TEST_F(UpkeepTemporary, ALogThatSomebodySwitchedOnKeepsNobodyFromReading) {
+    MakeStore();
+    SwitchToWriteAheadLog();
+    const ConsoleResult result = RunConsole(L"stats");
+    EXPECT_EQ(0, result.exitCode) << result.errors;
+    SwitchToWriteAheadLog();
+    RunningConsole console(L"follow --after 599 --json");
+    const ULONGLONG start = GetTickCount64();
+    while (console.Output().find("600") == std::string::npos && GetTickCount64() - start < 10'000)
+        Sleep(20);
+    EXPECT_NE(std::string::npos, console.Output().find("600"));
+}
+
 TEST_F(UpkeepTemporary, CopiesAreGoneAfterwards) {
     const std::vector<std::wstring> before = Temporaries();
     for (const wchar_t* const command : {L"doctor", L"recover --force", L"recover --dry-run"}) {

@@ -129,7 +129,7 @@ bool CFetchedRows::Fetch(const std::wstring& path,
 
 const CConnection& CFetchedRows::Open(const std::wstring& path) {
     const CDatabaseLock lock;
-    const CConnection& connection = m_connection.emplace(path, Access::ReadOnly);
+    const CConnection& connection = m_connection.emplace(path, AccessToRead(path));
     connection.Execute("PRAGMA temp_store = MEMORY");
     m_pages = connection.Number("PRAGMA main.page_count");
     m_freePages = connection.Number("PRAGMA main.freelist_count");

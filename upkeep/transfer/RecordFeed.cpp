@@ -119,7 +119,8 @@ std::vector<ExportedRecord> CRecordFeed::Look() {
         const CDatabaseLock lock;
         if (mark->size > 0) {
             // Who waits for the lock must not wait for those too who are in the file without it.
-            return LookInto(CConnection(m_database, Access::ReadOnly, /*busyMilliseconds=*/0));
+            return LookInto(
+                CConnection(m_database, AccessToRead(m_database), /*busyMilliseconds=*/0));
         }
     } catch (const CSqliteError& error) {
         if (std::ranges::find(kPassing, error.Result()) != std::end(kPassing)) return {};
