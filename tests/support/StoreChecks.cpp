@@ -2,7 +2,6 @@
 
 #include "base/Handle.h"
 #include "tests/support/FileDatabase.h"
-#include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
 
@@ -31,15 +30,6 @@ int CountRows(const std::filesystem::path& database, const std::string& table) {
     const std::string known =
         file.Value("SELECT count(*) FROM sqlite_master WHERE name = '" + table + "'");
     return known == "0" ? 0 : std::stoi(file.Value("SELECT count(*) FROM " + table));
-}
-
-std::vector<std::filesystem::path> FilesInTheMaking(const std::filesystem::path& folder) {
-    std::vector<std::filesystem::path> found;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        if (entry.path().extension() == L".new") found.push_back(entry.path());
-    }
-    return found;
 }
 
 bool MutexExists(const wchar_t* name) {

@@ -3,9 +3,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
-
-#include "tests/support/StoreFixture.h"
 
 namespace tsl::test {
 
@@ -18,11 +15,6 @@ inline constexpr wchar_t kLogIdLock[] = L"Global\\TslIfDbActionLog_LogId";
 
 // How many rows a table has; 0 when there is no such table, or no such file.
 int CountRows(const std::filesystem::path& database, const std::string& table);
-
-// Files that are to be moved into place when they are whole; those of the store, unless another
-// folder is named.
-std::vector<std::filesystem::path>
-FilesInTheMaking(const std::filesystem::path& folder = StoreFolder());
 
 // Whether anyone has the mutex open.
 bool MutexExists(const wchar_t* name);

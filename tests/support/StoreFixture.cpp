@@ -52,6 +52,15 @@ fs::path ReplayPath() {
     return StoreFolder() / L"uareplay.db";
 }
 
+std::vector<std::filesystem::path> FilesInTheMaking(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> found;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        if (entry.path().extension() == L".new") found.push_back(entry.path());
+    }
+    return found;
+}
+
 Bytes ReadBytes(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
     Bytes bytes(file ? fs::file_size(path) : 0);

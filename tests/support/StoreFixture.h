@@ -20,6 +20,11 @@ std::filesystem::path CounterPath();
 std::filesystem::path ActionLogPath();
 std::filesystem::path ReplayPath();
 
+// Files that are to be moved into place when they are whole; those of the store, unless another
+// folder is named.
+std::vector<std::filesystem::path>
+FilesInTheMaking(const std::filesystem::path& folder = StoreFolder());
+
 // The page size of the store's databases.
 inline constexpr size_t kPageSize = 2048;
 
