@@ -82,7 +82,7 @@ int OpenFile(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int*
 // Whether the file's header asks for a write-ahead log.
 bool HasWriteAheadLog(sqlite3* connection) {
     sqlite3_file* file = nullptr;
-    sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite3_file_control(connection, "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file));
     if (!file || !file->pMethods) return false;
     constexpr sqlite3_int64 kVersionsOffset = 18; // of writing and of reading
     unsigned char versions[2] = {};

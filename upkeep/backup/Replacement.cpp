@@ -84,10 +84,11 @@ void CReplacement::Replace(const std::wstring& path, CNewFile& made, Keep keep) 
 }
 
 void CReplacement::SetAside(const std::wstring& path) {
-    const auto old = std::make_shared<std::optional<CHeldFile>>(CHeldFile::Find(path));
-    if (!*old) return;
-    (*old)->MoveTo(KeptPathOf(path));
-    m_undo.emplace_back([old] { return (*old)->MoveBack(); });
+    std::optional<CHeldFile> found = CHeldFile::Find(path);
+    if (!found) return;
+    const auto old = std::make_shared<CHeldFile>(std::move(*found));
+    old->MoveTo(KeptPathOf(path));
+    m_undo.emplace_back([old] { return old->MoveBack(); });
 }
 
 void CReplacement::Finish() noexcept {
