@@ -82,7 +82,7 @@ public:
     // Makes the path absolute; false without room, or for a path that cannot be.
     bool Name(const wchar_t* path) noexcept {
         if (!m_room) return false;
-        // A path with the prefix is absolute, and the call would take it as it is.
+        // The call leaves a path with the long-path prefix as it is.
         m_length = GetFullPathNameW(path, kLongestPath, m_room->named, /*filePart=*/nullptr);
         if (m_length == 0 || m_length >= kLongestPath) return false;
         if (m_room->named[m_length - 1] == L'\\') m_room->named[--m_length] = L'\0';
